@@ -1,0 +1,134 @@
+#ifndef TESTCAMERA_H
+#define TESTCAMERA_H
+
+#include "FeatureList.h"
+
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+
+#include <memory>
+
+// An in-memory camera for tests: typed features with ranges, enumeration
+// entries and selectors, an ordered journal of every write and command, call
+// counts per operation, injected faults, and change notifications delivered on
+// a thread of its own (as a real camera API does).
+//
+//   TestCamera cam;
+//   cam.addEnum("LineSelector", {"Line0", "Line1"}, "Line0");
+//   cam.addEnum("LineMode", {"Input", "Output"}, "Input").selectedBy("LineSelector")
+//       .setAt("Line1", "Output");
+//   FeatureList features = cam.features();
+namespace TestCam {
+
+// Operations of a feature, for call counts and fault injection.
+enum class Op
+{
+    GetName,
+    GetDisplayName,
+    GetCategory,
+    GetDataType,
+    IsWritable,
+    IsValueAvailable,
+    GetValues,
+    GetString,
+    GetDouble,
+    GetInt,
+    GetBool,
+    GetRangeDouble,
+    GetRangeInt,
+    GetIncrementDouble,
+    GetIncrementInt,
+    SetDouble,
+    SetInt,
+    SetBool,
+    SetString,
+    RunCommand,
+    RegisterObserver,
+    UnregisterObserver
+};
+
+struct Core;
+class TestFeature;
+
+// Configuration handle of one feature, returned by the TestCamera::add... calls.
+class FeatureSetup
+{
+public:
+    FeatureSetup(std::shared_ptr<Core> core, int index);
+
+    FeatureSetup& displayName(const QString& text);
+    FeatureSetup& category(const QString& text);
+    FeatureSetup& writable(bool on);
+    FeatureSetup& unavailable(const QStringList& entries);
+    // The feature holds one state per entry of the selector; every entry starts
+    // as a copy of the state set so far.
+    FeatureSetup& selectedBy(const QString& selectorName);
+    FeatureSetup& setAt(const QString& selectorEntry, const QVariant& value);
+    FeatureSetup& writableAt(const QString& selectorEntry, bool on);
+    FeatureSetup& unavailableAt(const QString& selectorEntry, const QStringList& entries);
+
+private:
+    std::shared_ptr<Core> m_core;
+    int m_index;
+};
+
+class TestCamera
+{
+public:
+    TestCamera();
+    ~TestCamera();
+    TestCamera(const TestCamera&) = delete;
+    TestCamera& operator=(const TestCamera&) = delete;
+
+    // An increment of 0 means the feature reports none (its read fails).
+    FeatureSetup addInt(const QString& name, long long value, long long minimum = 0, long long maximum = 1000,
+                        long long increment = 1);
+    FeatureSetup addFloat(const QString& name, double value, double minimum = 0.0, double maximum = 1000.0,
+                          double increment = 0.0);
+    FeatureSetup addBool(const QString& name, bool value);
+    FeatureSetup addEnum(const QString& name, const QStringList& entries, const QString& value);
+    FeatureSetup addString(const QString& name, const QString& value);
+    FeatureSetup addCommand(const QString& name);
+    FeatureSetup addRaw(const QString& name);
+
+    // The host's view: a shared list of all features in the order they were added.
+    FeatureList features() const;
+    OrvCPP::shared_ptr<OrvCPP::Feature> feature(const QString& name) const;
+
+    // Current value as text (for a selected feature: at the selector's current entry,
+    // or at the given entry); set without a journal entry or a notification.
+    QString value(const QString& name) const;
+    QString valueAt(const QString& name, const QString& selectorEntry) const;
+    void set(const QString& name, const QVariant& value);
+    void setAt(const QString& name, const QString& selectorEntry, const QVariant& value);
+    void setWritable(const QString& name, bool on);
+
+    // Every write and command that reached the camera, in order: "Name=Value",
+    // "Name()" for a command; a refused one gets " refused" and its code appended.
+    QStringList journal() const;
+    void clearJournal();
+
+    int calls(const QString& name, Op op) const;
+    int totalCalls() const;
+    void resetCalls();
+
+    // Make an operation of a feature return the code: `times` calls, or always (-1).
+    void fail(const QString& name, Op op, OrvErrorType code, int times = -1);
+    void clearFaults();
+
+    // Report a change of the feature to its observers, on the notification thread.
+    void notify(const QString& name);
+    // Blocks until every queued notification has been delivered.
+    void waitForNotifications() const;
+    int observerCount(const QString& name) const;
+
+private:
+    FeatureSetup add(const QString& name, OrvFeatureDataType type, const QVariant& value);
+
+    std::shared_ptr<Core> m_core;
+};
+
+} // namespace TestCam
+
+#endif
