@@ -1,0 +1,5 @@
+#include "TABMessageHandler.h"
+
+void TABMessageHandler(QtMsgType, const QMessageLogContext&, const QString&)
+{
+}

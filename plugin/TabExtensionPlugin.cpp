@@ -1,0 +1,42 @@
+#include "TabExtensionPlugin.h"
+
+#include "IOTriggerWidget.h"
+
+#include <QVBoxLayout>
+
+TabExtensionResult TabExtensionPlugin::get(const FeatureList& features, QWidget& parent,
+                                           QMap<QString, QVariant>* settings)
+{
+    Q_UNUSED(settings)
+    try
+    {
+        IOTriggerWidget* tab = new IOTriggerWidget(features, &parent);
+        connect(this, SIGNAL(camStreaming(bool)), tab, SLOT(camIsStreaming(bool)));
+        QVBoxLayout* layout = new QVBoxLayout;
+        layout->addWidget(tab, 0);
+        parent.setLayout(layout);
+    }
+    catch (const TabExtensionException& e)
+    {
+        return e.Result();
+    }
+    return 0;
+}
+
+bool TabExtensionPlugin::connectToResetFps(QObject* receiver, const char* slot)
+{
+    // This tab never asks the host to reset its frame-rate display.
+    Q_UNUSED(receiver)
+    Q_UNUSED(slot)
+    return false;
+}
+
+bool TabExtensionPlugin::connectFromAcquire(QObject* sender, const char* signal)
+{
+    return static_cast<bool>(connect(sender, signal, this, SLOT(OnCamIsStreaming(bool))));
+}
+
+void TabExtensionPlugin::OnCamIsStreaming(bool streaming)
+{
+    emit camStreaming(streaming);
+}

@@ -1,0 +1,74 @@
+#ifndef TABACCESS_H
+#define TABACCESS_H
+
+#include "IOTriggerWidget.h"
+
+// The Trigger IO tab with its members opened up for tests.
+class TabAccess : public IOTriggerWidget
+{
+public:
+    using IOTriggerWidget::IOTriggerWidget;
+
+    using BaseTabPluginWidget::m_ObservedFeatures;
+    using BaseTabPluginWidget::m_pChangedFeatures;
+    using BaseTabPluginWidget::m_pFeatureManager;
+    using BaseTabPluginWidget::m_pMutex;
+    using BaseTabPluginWidget::m_pUpdateTimer;
+
+    using IOTriggerWidget::m_bUserOutputSelector;
+    using IOTriggerWidget::m_nOptionalOutputs;
+    using IOTriggerWidget::m_OptionalOutCombos;
+    using IOTriggerWidget::m_OptionalOutputs;
+    using IOTriggerWidget::m_OutLineLabels;
+    using IOTriggerWidget::m_Outputs;
+    using IOTriggerWidget::m_OutputRows;
+    using IOTriggerWidget::m_OutsIndex;
+    using IOTriggerWidget::m_pButtonBulk;
+    using IOTriggerWidget::m_pButtonEdge;
+    using IOTriggerWidget::m_pButtonLevel;
+    using IOTriggerWidget::m_pButtonSWTrigger;
+    using IOTriggerWidget::m_pCBLineRouting;
+    using IOTriggerWidget::m_pComboAcquisitionMode;
+    using IOTriggerWidget::m_pComboExposureAuto;
+    using IOTriggerWidget::m_pComboExposureMode;
+    using IOTriggerWidget::m_pComboInputLineSelector;
+    using IOTriggerWidget::m_pComboTriggerActivation;
+    using IOTriggerWidget::m_pComboTriggerMode;
+    using IOTriggerWidget::m_pComboTriggerSelector;
+    using IOTriggerWidget::m_pComboTriggerSource;
+    using IOTriggerWidget::m_pEditSyncLevels;
+    using IOTriggerWidget::m_pGridTrigger;
+    using IOTriggerWidget::m_pGroupAcquisition;
+    using IOTriggerWidget::m_pGroupQuickSettings;
+    using IOTriggerWidget::m_pGroupTrigger;
+    using IOTriggerWidget::m_pLabelAcquisitionMode;
+    using IOTriggerWidget::m_pLabelExposureAuto;
+    using IOTriggerWidget::m_pLabelExposureMode;
+    using IOTriggerWidget::m_pLabelFrameCount;
+    using IOTriggerWidget::m_pLabelInputLineSelector;
+    using IOTriggerWidget::m_pLabelLineRouting;
+    using IOTriggerWidget::m_pLabelOutInvert;
+    using IOTriggerWidget::m_pLabelOutSource;
+    using IOTriggerWidget::m_pLabelOutStatus;
+    using IOTriggerWidget::m_pLabelSyncLevels;
+    using IOTriggerWidget::m_pLabelTriggerActivation;
+    using IOTriggerWidget::m_pLabelTriggerMode;
+    using IOTriggerWidget::m_pLabelTriggerSelector;
+    using IOTriggerWidget::m_pLabelTriggerSource;
+    using IOTriggerWidget::m_pLabelUserOutSelector;
+    using IOTriggerWidget::m_pLabelUserValue;
+    using IOTriggerWidget::m_pSpinAcquisitionFrameCount;
+    using IOTriggerWidget::m_Spacers;
+    using IOTriggerWidget::ui;
+
+    // Runs the refresh dispatcher on the given changed names, as a timer tick would.
+    void refresh(const QStringList& changed)
+    {
+        QMutexLocker lock(m_pMutex);
+        *m_pChangedFeatures = changed;
+        updateInit();
+        m_pChangedFeatures->clear();
+    }
+};
+
+#endif

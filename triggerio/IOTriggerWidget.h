@@ -1,0 +1,163 @@
+#ifndef IOTRIGGERWIDGET_H
+#define IOTRIGGERWIDGET_H
+
+#include "BaseTabPluginWidget.h"
+#include "OutputRow.h"
+#include "ui_IOTriggerWidget.h"
+
+#include <QList>
+#include <QSharedPointer>
+#include <QStringList>
+#include <QVector>
+
+class QCheckBox;
+class QComboBox;
+class QGridLayout;
+class QGroupBox;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QSpacerItem;
+class QSpinBox;
+
+// The "Trigger IO" tab: trigger input, acquisition, exposure and input line
+// controls, quick trigger presets, output lines and selectable outputs of one
+// camera. Refreshes never write to the camera; only the On... slots do.
+//
+// The class is split by section over several source files:
+//   IOTriggerWidget.cpp                   construction, destruction, refresh dispatch
+//   IOTriggerWidgetStreamingLock.cpp      streaming lock and signal blocking
+//   IOTriggerWidgetTriggerInput.cpp       trigger input controls, refreshes and edits
+//   IOTriggerWidgetQuickSettings.cpp      Edge, Level and Bulk presets
+//   IOTriggerWidgetOutputs.cpp            output rows: discovery, source, inversion, status
+//   IOTriggerWidgetUserOutputs.cpp        user output values and sync levels
+//   IOTriggerWidgetSelectableOutputs.cpp  lines switchable between input and output
+class IOTriggerWidget : public BaseTabPluginWidget
+{
+    Q_OBJECT
+
+public:
+    IOTriggerWidget(const FeatureList& features, QWidget* parent);
+    ~IOTriggerWidget() override;
+
+    void updateInit() override;
+
+    // Streaming lock
+    void SetQuickButtonsDisabled(bool disabled);
+    void SetConnectionsDisabled(bool disabled);
+
+    // Trigger input section
+    void createTriggerInput();
+    void updateTriggerSource();
+    void updateTriggerActivation();
+    void updateTriggerMode();
+    void updateTriggerSelector();
+    void updateAcquisitionFrameCount();
+    void updateAcquisitionMode();
+    void updateLineSelector();
+    void updateLineRouting();
+    void updateExposureMode();
+    void updateExposureAuto();
+    void SetComboBoxValue(QString value, QComboBox* comboBox);
+    QString GetFirstInput();
+
+    // Output rows
+    int GetOutputs(QStringList* outputs);
+    QList<int> DetermineOutsIndex();
+    void createOutputLabels();
+    void createOutput();
+    void updateOutSource();
+    void updateOutInvert();
+    void updateOutStatus();
+
+    // User outputs and sync levels
+    void updateSyncLevels();
+    void updateUserOutSelector();
+    void updateUserOutValue();
+    void SetOnCBOutUserValueChanged(int row, int state);
+    void OnCBOutUserValueChanged(int row, int state);
+
+    // Selectable outputs
+    int GetOptionalOutputs(QStringList* outputs);
+    void createOptionalOutputs();
+    void updateOptionalOut();
+
+public slots:
+    void OnComboTriggerSourceChanged(QString value);
+    void OnComboTriggerActivationChanged(QString value);
+    void OnComboTriggerSelectorChanged(QString value);
+    void OnComboAcquisitionModeChanged(QString value);
+    void OnComboInputLineSelectorChanged(QString value);
+    void OnCBLineRoutingChanged(int state);
+    void OnComboOutSourceChanged(QString value);
+    void OnComboExposureModeChanged(QString value);
+    void OnComboExposureAutoChanged(QString value);
+    void OnComboChanged(QString featureName, QString currentVal);
+    void OnComboTriggerModeChanged(QString value);
+    void OnSWTrigger();
+    void OnSpinAcquisitionFrameCountChanged(int value);
+    void OnEdgeMode();
+    void OnLevelMode();
+    void OnBulkMode();
+    void OnCBOutInvertChanged(int state);
+    void OnCBOutStatusChanged(int state);
+    void OnCBOutUserValueChanged1(int state);
+    void OnCBOutUserValueChanged2(int state);
+    void OnCBOutUserValueChanged3(int state);
+    void OnCBOutUserValueChanged4(int state);
+    void OnCBOutUserValueChanged5(int state);
+    void OnComboOptionalOutChanged(QString value);
+    void camIsStreaming(bool streaming);
+
+protected:
+    Ui_IOTriggerWidget ui;
+    bool m_bUserOutputSelector = false;
+    int m_nOptionalOutputs = 0;
+    QComboBox* m_pComboTriggerSource = nullptr;
+    QComboBox* m_pComboTriggerActivation = nullptr;
+    QComboBox* m_pComboTriggerSelector = nullptr;
+    QComboBox* m_pComboAcquisitionMode = nullptr;
+    QComboBox* m_pComboTriggerMode = nullptr;
+    QSpinBox* m_pSpinAcquisitionFrameCount = nullptr;
+    QCheckBox* m_pCBLineRouting = nullptr;
+    QComboBox* m_pComboInputLineSelector = nullptr;
+    QComboBox* m_pComboExposureMode = nullptr;
+    QComboBox* m_pComboExposureAuto = nullptr;
+    QPushButton* m_pButtonSWTrigger = nullptr;
+    QPushButton* m_pButtonEdge = nullptr;
+    QPushButton* m_pButtonLevel = nullptr;
+    QPushButton* m_pButtonBulk = nullptr;
+    QLabel* m_pLabelTriggerSource = nullptr;
+    QLabel* m_pLabelTriggerActivation = nullptr;
+    QLabel* m_pLabelTriggerSelector = nullptr;
+    QLabel* m_pLabelAcquisitionMode = nullptr;
+    QLabel* m_pLabelTriggerMode = nullptr;
+    QLabel* m_pLabelFrameCount = nullptr;
+    QLabel* m_pLabelLineRouting = nullptr;
+    QLabel* m_pLabelInputLineSelector = nullptr;
+    QLabel* m_pLabelExposureMode = nullptr;
+    QLabel* m_pLabelExposureAuto = nullptr;
+    QGridLayout* m_pGridTrigger = nullptr;
+    QGroupBox* m_pGroupTrigger = nullptr;
+    QGroupBox* m_pGroupAcquisition = nullptr;
+    QGroupBox* m_pGroupQuickSettings = nullptr;
+    QVector<QSharedPointer<OutputRow>> m_OutputRows;
+    QVector<QComboBox*> m_OptionalOutCombos;
+    QVector<QSpacerItem*> m_Spacers;
+    QLabel* m_pLabelOutSource = nullptr;
+    QLabel* m_pLabelOutInvert = nullptr;
+    QLabel* m_pLabelOutStatus = nullptr;
+    QLabel* m_pLabelUserOutSelector = nullptr;
+    QLabel* m_pLabelUserValue = nullptr;
+    QLabel* m_pLabelSyncLevels = nullptr;
+    QLineEdit* m_pEditSyncLevels = nullptr;
+    QVector<QLabel*> m_OutLineLabels;
+    QStringList m_OptionalOutputs;
+    QList<int> m_OutsIndex;
+    QStringList m_Outputs;
+
+private:
+    void rebuildOutputs();
+};
+
+#endif

@@ -1,0 +1,13 @@
+#include "IOTriggerWidget.h"
+
+void IOTriggerWidget::OnEdgeMode()
+{
+}
+
+void IOTriggerWidget::OnLevelMode()
+{
+}
+
+void IOTriggerWidget::OnBulkMode()
+{
+}

@@ -1,0 +1,5 @@
+#include "OutputRow.h"
+
+OutputRow::OutputRow() = default;
+
+OutputRow::~OutputRow() = default;
