@@ -1,0 +1,238 @@
+// Aravis (gio) before Qt: gio uses "signals" as a name, Qt as a keyword.
+#include <arv.h>
+
+#include "GenICamCamera.h"
+
+#include "FeaturePoller.h"
+#include "GenICamDevice.h"
+#include "GenICamFeature.h"
+
+#include <QAtomicInt>
+#include <QFile>
+#include <QFileInfo>
+
+#include <mutex>
+#include <set>
+
+namespace {
+
+// Aravis's device list and the fake camera's file name are process-wide.
+std::mutex& aravisGlobalLock()
+{
+    static std::mutex lock;
+    return lock;
+}
+
+QString messageOf(GError* error)
+{
+    return error && error->message ? QString::fromUtf8(error->message) : QString();
+}
+
+void collectFeatures(const std::shared_ptr<GenICamDevice>& device, ArvGcCategory* category,
+                     const std::string& categoryName, std::set<std::string>& seen,
+                     std::set<std::string>& visitedCategories, QVector<OrvCPP::shared_ptr<OrvCPP::Feature>>& out)
+{
+    if (!visitedCategories.insert(categoryName).second)
+        return; // a category listed twice, or a loop in a broken description
+    for (const GSList* item = arv_gc_category_get_features(category); item; item = item->next) {
+        const char* name = static_cast<const char*>(item->data);
+        if (!name)
+            continue;
+        ArvGcNode* node = arv_gc_get_node(device->genicam(), name);
+        if (!node)
+            continue;
+        if (ARV_IS_GC_CATEGORY(node)) {
+            collectFeatures(device, ARV_GC_CATEGORY(node), name, seen, visitedCategories, out);
+            continue;
+        }
+        if (!ARV_IS_GC_FEATURE_NODE(node) || !seen.insert(name).second)
+            continue;
+        out.append(std::make_shared<GenICamFeature>(device, ARV_GC_FEATURE_NODE(node), categoryName));
+    }
+}
+
+} // namespace
+
+GenICamCamera::GenICamCamera() = default;
+
+GenICamCamera::~GenICamCamera() = default;
+
+QStringList GenICamCamera::deviceIds()
+{
+    std::lock_guard<std::mutex> lock(aravisGlobalLock());
+    arv_update_device_list();
+    QStringList ids;
+    const unsigned int count = arv_get_n_devices();
+    for (unsigned int i = 0; i < count; ++i) {
+        const char* id = arv_get_device_id(i);
+        if (id)
+            ids << QString::fromUtf8(id);
+    }
+    return ids;
+}
+
+OrvErrorType GenICamCamera::fail(OrvErrorType code, const QString& message)
+{
+    m_error = message;
+    return code;
+}
+
+OrvErrorType GenICamCamera::openFake(const QString& path, ArvDevice*& device)
+{
+    const QFileInfo info(path);
+    if (path.isEmpty() || !info.exists())
+        return fail(OrvErrorNotFound, QStringLiteral("GenICam file not found: '%1'").arg(path));
+    QFile file(info.absoluteFilePath());
+    if (!file.open(QIODevice::ReadOnly))
+        return fail(OrvErrorInvalidAccess,
+                    QStringLiteral("GenICam file cannot be read: '%1' (%2)").arg(path, file.errorString()));
+    const QByteArray xml = file.readAll();
+
+    // Let Aravis parse it once on its own first: the fake device does not
+    // report a broken description, it would run without features.
+    ArvGc* check = xml.isEmpty() ? nullptr : arv_gc_new(nullptr, xml.constData(), size_t(xml.size()));
+    const bool valid = check && ARV_IS_GC_CATEGORY(arv_gc_get_node(check, "Root"));
+    if (check)
+        g_object_unref(check);
+    if (!valid)
+        return fail(OrvErrorInvalidValue,
+                    QStringLiteral("Not a valid GenICam description (no 'Root' category): '%1'").arg(path));
+
+    static QAtomicInt serial;
+    const QByteArray serialNumber = "TRIGGERIO" + QByteArray::number(serial.fetchAndAddRelaxed(1) + 1);
+    const QByteArray fileName = QFile::encodeName(info.absoluteFilePath());
+    GError* error = nullptr;
+    {
+        std::lock_guard<std::mutex> lock(aravisGlobalLock());
+        arv_set_fake_camera_genicam_filename(fileName.constData());
+        device = arv_fake_device_new(serialNumber.constData(), &error);
+        arv_set_fake_camera_genicam_filename(nullptr);
+    }
+    if (!device) {
+        const QString reason = messageOf(error);
+        if (error)
+            g_error_free(error);
+        return fail(OrvErrorInternalFault,
+                    QStringLiteral("Aravis fake device could not load '%1': %2").arg(path, reason));
+    }
+    if (error)
+        g_error_free(error);
+    return OrvErrorSuccess;
+}
+
+OrvErrorType GenICamCamera::openAravis(const QString& id, ArvDevice*& device)
+{
+    if (id.isEmpty())
+        return fail(OrvErrorBadParameter, QStringLiteral("No device id given"));
+    GError* error = nullptr;
+    {
+        std::lock_guard<std::mutex> lock(aravisGlobalLock());
+        device = arv_open_device(id.toUtf8().constData(), &error);
+    }
+    if (device) {
+        if (error)
+            g_error_free(error);
+        return OrvErrorSuccess;
+    }
+    const QString reason = messageOf(error);
+    const bool inUse = error && error->domain == ARV_DEVICE_ERROR
+        && (error->code == ARV_DEVICE_ERROR_NOT_CONTROLLER
+            || error->code == ARV_DEVICE_ERROR_PROTOCOL_ERROR_ACCESS_DENIED
+            || error->code == ARV_DEVICE_ERROR_PROTOCOL_ERROR_BUSY);
+    const bool notFound = !error
+        || (error->domain == ARV_DEVICE_ERROR && error->code == ARV_DEVICE_ERROR_NOT_FOUND);
+    if (error)
+        g_error_free(error);
+    if (inUse)
+        return fail(OrvErrorInvalidAccess,
+                    QStringLiteral("Device '%1' is in use by another program: %2").arg(id, reason));
+    if (notFound)
+        return fail(OrvErrorNotFound, QStringLiteral("No device with id '%1'%2")
+                                          .arg(id, reason.isEmpty() ? QString() : ": " + reason));
+    return fail(OrvErrorInternalFault, QStringLiteral("Device '%1' could not be opened: %2").arg(id, reason));
+}
+
+OrvErrorType GenICamCamera::open(const QString& id)
+{
+    close();
+    m_error.clear();
+
+    ArvDevice* device = nullptr;
+    const OrvErrorType code = id.startsWith(QLatin1String(FakePrefix))
+        ? openFake(id.mid(int(qstrlen(FakePrefix))), device)
+        : openAravis(id, device);
+    if (code != OrvErrorSuccess)
+        return code;
+
+    if (!arv_device_get_genicam(device)) {
+        g_object_unref(device);
+        return fail(OrvErrorInvalidValue, QStringLiteral("Device '%1' has no GenICam description").arg(id));
+    }
+    auto shared = std::make_shared<GenICamDevice>(device, id.toStdString());
+    ArvGcNode* root = arv_gc_get_node(shared->genicam(), "Root");
+    if (!ARV_IS_GC_CATEGORY(root))
+        return fail(OrvErrorInvalidValue,
+                    QStringLiteral("The GenICam description of '%1' has no 'Root' category").arg(id));
+
+    FeatureList features(new QVector<OrvCPP::shared_ptr<OrvCPP::Feature>>);
+    std::set<std::string> seen;
+    std::set<std::string> categories;
+    collectFeatures(shared, ARV_GC_CATEGORY(root), "Root", seen, categories, *features);
+
+    m_device = shared;
+    m_features = features;
+    m_id = id;
+    return OrvErrorSuccess;
+}
+
+void GenICamCamera::close()
+{
+    m_features.reset();
+    m_device.reset();
+    m_id.clear();
+}
+
+bool GenICamCamera::isOpen() const
+{
+    return m_device != nullptr;
+}
+
+QString GenICamCamera::id() const
+{
+    return m_id;
+}
+
+QString GenICamCamera::errorString() const
+{
+    return m_error;
+}
+
+FeatureList GenICamCamera::features() const
+{
+    return m_features ? m_features : FeatureList(new QVector<OrvCPP::shared_ptr<OrvCPP::Feature>>);
+}
+
+void GenICamCamera::setPollPeriod(int milliseconds)
+{
+    if (m_device)
+        m_device->poller().setPeriod(milliseconds);
+}
+
+int GenICamCamera::pollPeriod() const
+{
+    return m_device ? m_device->poller().period() : FeaturePoller::DefaultPeriodMs;
+}
+
+bool GenICamCamera::isDeviceLost() const
+{
+    return m_device && m_device->isLost();
+}
+
+bool GenICamCamera::withAravisDevice(const std::function<void(ArvDevice*)>& call) const
+{
+    if (!m_device || !call)
+        return false;
+    std::lock_guard<std::mutex> lock(m_device->lock());
+    call(m_device->device());
+    return true;
+}

@@ -1,0 +1,78 @@
+#ifndef GENICAMCAMERA_H
+#define GENICAMCAMERA_H
+
+#include "FeatureList.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <memory>
+
+class GenICamDevice;
+typedef struct _ArvDevice ArvDevice;
+
+// A GenICam camera opened through Aravis, as the host's feature list.
+//
+//   GenICamCamera camera;
+//   if (camera.open("fake:/path/to/model.xml") != OrvErrorSuccess)   // or an Aravis device id
+//       qWarning() << camera.errorString();
+//   FeatureList features = camera.features();
+//
+// Ids: an Aravis device id as listed by deviceIds() or arv-tool-0.8 (for a
+// GigE Vision camera also its IP address), or "fake:" followed by the path of
+// a GenICam XML file, which opens an in-process Aravis fake device running
+// that description. The features hold the device: it stays open as long as
+// the feature list or the camera object lives.
+class GenICamCamera
+{
+public:
+    static constexpr const char* FakePrefix = "fake:";
+
+    GenICamCamera();
+    ~GenICamCamera();
+
+    GenICamCamera(const GenICamCamera&) = delete;
+    GenICamCamera& operator=(const GenICamCamera&) = delete;
+
+    // Ids of the devices Aravis finds now (discovery on all interfaces).
+    static QStringList deviceIds();
+
+    // Opens a device, closing the one opened before. On failure errorString()
+    // tells why: OrvErrorNotFound (unknown id, missing file), OrvErrorInvalidAccess
+    // (unreadable file, device in use by another program), OrvErrorInvalidValue
+    // (not a valid GenICam description), OrvErrorInternalFault (anything else).
+    OrvErrorType open(const QString& id);
+    // Forgets the device; features already handed out keep working until dropped.
+    void close();
+
+    bool isOpen() const;
+    QString id() const;
+    QString errorString() const;
+
+    // One feature per GenICam feature node reachable from the root category,
+    // in category order (depth first, as the XML lists them). Empty when not open.
+    FeatureList features() const;
+
+    // Period of the change notifications (default 250 ms).
+    void setPollPeriod(int milliseconds);
+    int pollPeriod() const;
+
+    bool isDeviceLost() const;
+
+    // Runs code on the Aravis device with the device lock held (for example
+    // to read a register back, or to stream). Returns false when not open.
+    bool withAravisDevice(const std::function<void(ArvDevice*)>& call) const;
+
+private:
+    OrvErrorType fail(OrvErrorType code, const QString& message);
+    OrvErrorType openFake(const QString& path, ArvDevice*& device);
+    OrvErrorType openAravis(const QString& id, ArvDevice*& device);
+
+    std::shared_ptr<GenICamDevice> m_device;
+    FeatureList m_features;
+    QString m_id;
+    QString m_error;
+};
+
+#endif

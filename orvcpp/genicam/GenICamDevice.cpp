@@ -1,0 +1,111 @@
+#include "GenICamDevice.h"
+
+#include "FeaturePoller.h"
+
+#include <arv.h>
+
+namespace {
+
+// "control-lost" is emitted by Aravis's heartbeat thread of a GigE Vision device.
+void onControlLost(ArvDevice*, gpointer userData)
+{
+    static_cast<GenICamDevice*>(userData)->markLost();
+}
+
+} // namespace
+
+GenICamDevice::GenICamDevice(ArvDevice* device, const std::string& id)
+    : m_device(device), m_genicam(arv_device_get_genicam(device)), m_id(id),
+      m_poller(new FeaturePoller)
+{
+    // Writes to read-only features must fail, and values outside the range too;
+    // registers are read from the device every time so that changes made by the
+    // camera or another program are seen.
+    arv_device_set_access_check_policy(m_device, ARV_ACCESS_CHECK_POLICY_ENABLE);
+    arv_device_set_range_check_policy(m_device, ARV_RANGE_CHECK_POLICY_ENABLE);
+    arv_device_set_register_cache_policy(m_device, ARV_REGISTER_CACHE_POLICY_DISABLE);
+    m_controlLostHandler = g_signal_connect(m_device, "control-lost", G_CALLBACK(onControlLost), this);
+}
+
+GenICamDevice::~GenICamDevice()
+{
+    // Stop notifications before the node tree goes away.
+    m_poller.reset();
+    if (m_controlLostHandler)
+        g_signal_handler_disconnect(m_device, m_controlLostHandler);
+    g_object_unref(m_device);
+}
+
+OrvErrorType GenICamDevice::takeError(GError* error)
+{
+    if (!error)
+        return OrvErrorSuccess;
+
+    OrvErrorType code = OrvErrorInternalFault;
+    if (error->domain == ARV_DEVICE_ERROR) {
+        switch (error->code) {
+        case ARV_DEVICE_ERROR_NOT_CONNECTED:
+        case ARV_DEVICE_ERROR_TRANSFER_ERROR:
+        case ARV_DEVICE_ERROR_TIMEOUT:
+            // Aravis has already retried for its whole timeout: the device is gone.
+            markLost();
+            code = OrvErrorDeviceLost;
+            break;
+        case ARV_DEVICE_ERROR_WRONG_FEATURE:
+            code = OrvErrorWrongType;
+            break;
+        case ARV_DEVICE_ERROR_FEATURE_NOT_FOUND:
+        case ARV_DEVICE_ERROR_NOT_FOUND:
+            code = OrvErrorNotFound;
+            break;
+        case ARV_DEVICE_ERROR_NOT_CONTROLLER:
+        case ARV_DEVICE_ERROR_PROTOCOL_ERROR_WRITE_PROTECT:
+        case ARV_DEVICE_ERROR_PROTOCOL_ERROR_ACCESS_DENIED:
+        case ARV_DEVICE_ERROR_PROTOCOL_ERROR_BUSY:
+            code = OrvErrorInvalidAccess;
+            break;
+        case ARV_DEVICE_ERROR_PROTOCOL_ERROR_NOT_IMPLEMENTED:
+            code = OrvErrorNotImplemented;
+            break;
+        case ARV_DEVICE_ERROR_INVALID_PARAMETER:
+        case ARV_DEVICE_ERROR_PROTOCOL_ERROR_INVALID_PARAMETER:
+        case ARV_DEVICE_ERROR_PROTOCOL_ERROR_INVALID_ADDRESS:
+        case ARV_DEVICE_ERROR_PROTOCOL_ERROR_BAD_ALIGNMENT:
+            code = OrvErrorBadParameter;
+            break;
+        default:
+            code = OrvErrorInternalFault;
+        }
+    } else if (error->domain == ARV_GC_ERROR) {
+        switch (error->code) {
+        case ARV_GC_ERROR_OUT_OF_RANGE:
+        case ARV_GC_ERROR_ENUM_ENTRY_NOT_FOUND:
+        case ARV_GC_ERROR_INVALID_SYNTAX:
+        case ARV_GC_ERROR_INVALID_LENGTH:
+        case ARV_GC_ERROR_EMPTY_ENUMERATION:
+            code = OrvErrorInvalidValue;
+            break;
+        case ARV_GC_ERROR_READ_ONLY:
+            code = OrvErrorInvalidAccess;
+            break;
+        case ARV_GC_ERROR_NODE_NOT_FOUND:
+            code = OrvErrorNotFound;
+            break;
+        case ARV_GC_ERROR_SET_FROM_STRING_UNDEFINED:
+        case ARV_GC_ERROR_GET_AS_STRING_UNDEFINED:
+            code = OrvErrorWrongType;
+            break;
+        case ARV_GC_ERROR_NO_EVENT_IMPLEMENTATION:
+            code = OrvErrorNotImplemented;
+            break;
+        default:
+            // Includes chunk data read without a received buffer.
+            code = OrvErrorInvalidAccess;
+        }
+    } else {
+        // Chunk parser and other library errors: the value cannot be read now.
+        code = OrvErrorInvalidAccess;
+    }
+    g_error_free(error);
+    return code;
+}

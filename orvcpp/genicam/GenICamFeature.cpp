@@ -1,0 +1,612 @@
+#include "GenICamFeature.h"
+
+#include "FeaturePoller.h"
+#include "GenICamDevice.h"
+
+#include <arv.h>
+
+#include <cmath>
+#include <cstring>
+#include <cstdio>
+#include <limits>
+#include <vector>
+
+namespace {
+
+OrvFeatureDataType typeOf(ArvGcFeatureNode* node)
+{
+    // Order matters: an enumeration is also an integer and a string, an
+    // IntReg is also a register, a StringReg is also a register.
+    if (ARV_IS_GC_ENUMERATION(node))
+        return OrvFeatureDataEnum;
+    if (ARV_IS_GC_COMMAND(node))
+        return OrvFeatureDataCommand;
+    if (ARV_IS_GC_BOOLEAN(node))
+        return OrvFeatureDataBool;
+    if (ARV_IS_GC_STRING(node))
+        return OrvFeatureDataString;
+    if (ARV_IS_GC_INTEGER(node))
+        return OrvFeatureDataInt;
+    if (ARV_IS_GC_FLOAT(node))
+        return OrvFeatureDataFloat;
+    if (ARV_IS_GC_REGISTER(node))
+        return OrvFeatureDataRaw;
+    return OrvFeatureDataUnknown;
+}
+
+std::string toHex(const std::vector<unsigned char>& bytes)
+{
+    static const char digits[] = "0123456789abcdef";
+    std::string text;
+    text.reserve(bytes.size() * 2);
+    for (unsigned char byte : bytes) {
+        text += digits[byte >> 4];
+        text += digits[byte & 0x0f];
+    }
+    return text;
+}
+
+bool fromHex(const char* text, std::vector<unsigned char>& bytes)
+{
+    auto nibble = [](char c) -> int {
+        if (c >= '0' && c <= '9')
+            return c - '0';
+        if (c >= 'a' && c <= 'f')
+            return c - 'a' + 10;
+        if (c >= 'A' && c <= 'F')
+            return c - 'A' + 10;
+        return -1;
+    };
+    bytes.clear();
+    for (const char* p = text; *p; p += 2) {
+        const int high = nibble(p[0]);
+        const int low = p[1] ? nibble(p[1]) : -1;
+        if (high < 0 || low < 0)
+            return false;
+        bytes.push_back(static_cast<unsigned char>(high << 4 | low));
+    }
+    return true;
+}
+
+std::string formatDouble(double value)
+{
+    char buffer[64];
+    std::snprintf(buffer, sizeof buffer, "%.15g", value);
+    return buffer;
+}
+
+} // namespace
+
+GenICamFeature::GenICamFeature(std::shared_ptr<GenICamDevice> device, ArvGcFeatureNode* node,
+                               const std::string& category)
+    : m_device(std::move(device)), m_node(node), m_type(typeOf(node)), m_category(category)
+{
+    const char* name = arv_gc_feature_node_get_name(node);
+    m_name = name ? name : "";
+    const char* displayName = arv_gc_feature_node_get_display_name(node);
+    m_displayName = displayName && *displayName ? displayName : m_name;
+}
+
+GenICamFeature::~GenICamFeature() = default;
+
+template <typename Call>
+OrvErrorType GenICamFeature::withDevice(Call call)
+{
+    if (m_device->isLost())
+        return OrvErrorDeviceLost;
+    std::lock_guard<std::mutex> lock(m_device->lock());
+    if (m_device->isLost())
+        return OrvErrorDeviceLost;
+    return call();
+}
+
+template <typename Call>
+OrvErrorType GenICamFeature::write(Call call)
+{
+    const OrvErrorType code = withDevice([&]() -> OrvErrorType {
+        const OrvErrorType access = checkWritable();
+        return access != OrvErrorSuccess ? access : call();
+    });
+    // A write may change other features too (selectors, locks): let the
+    // observers know without waiting for the next period.
+    if (code == OrvErrorSuccess)
+        m_device->poller().requestPoll();
+    return code;
+}
+
+OrvErrorType GenICamFeature::checkReadable()
+{
+    GError* error = nullptr;
+    const ArvGcAccessMode mode = arv_gc_feature_node_get_actual_access_mode(m_node);
+    if (mode == ARV_GC_ACCESS_MODE_WO)
+        return OrvErrorInvalidAccess;
+    const bool available = arv_gc_feature_node_is_available(m_node, &error);
+    if (error)
+        return m_device->takeError(error);
+    const bool implemented = arv_gc_feature_node_is_implemented(m_node, &error);
+    if (error)
+        return m_device->takeError(error);
+    return available && implemented ? OrvErrorSuccess : OrvErrorInvalidAccess;
+}
+
+OrvErrorType GenICamFeature::checkWritable()
+{
+    GError* error = nullptr;
+    const ArvGcAccessMode mode = arv_gc_feature_node_get_actual_access_mode(m_node);
+    if (mode != ARV_GC_ACCESS_MODE_RW && mode != ARV_GC_ACCESS_MODE_WO)
+        return OrvErrorInvalidAccess;
+    const bool available = arv_gc_feature_node_is_available(m_node, &error);
+    if (error)
+        return m_device->takeError(error);
+    const bool implemented = arv_gc_feature_node_is_implemented(m_node, &error);
+    if (error)
+        return m_device->takeError(error);
+    // Aravis does not enforce pIsLocked: this check is the only guard.
+    const bool locked = arv_gc_feature_node_is_locked(m_node, &error);
+    if (error)
+        return m_device->takeError(error);
+    return available && implemented && !locked ? OrvErrorSuccess : OrvErrorInvalidAccess;
+}
+
+bool GenICamFeature::writableNow()
+{
+    return checkWritable() == OrvErrorSuccess;
+}
+
+OrvErrorType GenICamFeature::GetName(std::string& name)
+{
+    name = m_name;
+    return OrvErrorSuccess;
+}
+
+OrvErrorType GenICamFeature::GetDisplayName(std::string& displayName)
+{
+    displayName = m_displayName;
+    return OrvErrorSuccess;
+}
+
+OrvErrorType GenICamFeature::GetCategory(std::string& category)
+{
+    category = m_category;
+    return OrvErrorSuccess;
+}
+
+OrvErrorType GenICamFeature::GetDataType(OrvFeatureDataType& dataType)
+{
+    dataType = m_type;
+    return OrvErrorSuccess;
+}
+
+OrvErrorType GenICamFeature::IsWritable(bool& writable)
+{
+    return withDevice([&]() -> OrvErrorType {
+        const OrvErrorType code = checkWritable();
+        if (code != OrvErrorSuccess && code != OrvErrorInvalidAccess)
+            return code;
+        writable = code == OrvErrorSuccess;
+        return OrvErrorSuccess;
+    });
+}
+
+OrvErrorType GenICamFeature::findEntry(const char* value, ArvGcFeatureNode*& entry)
+{
+    for (const GSList* item = arv_gc_enumeration_get_entries(ARV_GC_ENUMERATION(m_node)); item;
+         item = item->next) {
+        auto* node = static_cast<ArvGcFeatureNode*>(item->data);
+        const char* name = arv_gc_feature_node_get_name(node);
+        if (name && g_strcmp0(name, value) == 0) {
+            entry = node;
+            return OrvErrorSuccess;
+        }
+    }
+    return OrvErrorInvalidValue;
+}
+
+OrvErrorType GenICamFeature::IsValueAvailable(const char* value, bool& available)
+{
+    if (!value)
+        return OrvErrorBadParameter;
+    if (m_type != OrvFeatureDataEnum)
+        return OrvErrorWrongType;
+    return withDevice([&]() -> OrvErrorType {
+        ArvGcFeatureNode* entry = nullptr;
+        OrvErrorType code = findEntry(value, entry);
+        if (code != OrvErrorSuccess)
+            return code;
+        GError* error = nullptr;
+        const bool isAvailable = arv_gc_feature_node_is_available(entry, &error);
+        if (error)
+            return m_device->takeError(error);
+        const bool implemented = arv_gc_feature_node_is_implemented(entry, &error);
+        if (error)
+            return m_device->takeError(error);
+        available = isAvailable && implemented;
+        return OrvErrorSuccess;
+    });
+}
+
+OrvErrorType GenICamFeature::GetValues(std::vector<std::string>& values)
+{
+    if (m_type != OrvFeatureDataEnum)
+        return OrvErrorWrongType;
+    return withDevice([&]() -> OrvErrorType {
+        // Aravis keeps the entries in reverse order of the XML.
+        std::vector<std::string> names;
+        for (const GSList* item = arv_gc_enumeration_get_entries(ARV_GC_ENUMERATION(m_node)); item;
+             item = item->next) {
+            const char* name = arv_gc_feature_node_get_name(static_cast<ArvGcFeatureNode*>(item->data));
+            names.insert(names.begin(), name ? name : "");
+        }
+        values.swap(names);
+        return OrvErrorSuccess;
+    });
+}
+
+OrvErrorType GenICamFeature::readText(std::string& value)
+{
+    OrvErrorType code = checkReadable();
+    if (code != OrvErrorSuccess)
+        return code;
+    GError* error = nullptr;
+    std::string text;
+    switch (m_type) {
+    case OrvFeatureDataEnum: {
+        const char* entry = arv_gc_enumeration_get_string_value(ARV_GC_ENUMERATION(m_node), &error);
+        if (!error)
+            text = entry ? entry : "";
+        break;
+    }
+    case OrvFeatureDataString: {
+        const char* string = arv_gc_string_get_value(ARV_GC_STRING(m_node), &error);
+        if (!error)
+            text = string ? string : "";
+        break;
+    }
+    case OrvFeatureDataInt: {
+        const gint64 number = arv_gc_integer_get_value(ARV_GC_INTEGER(m_node), &error);
+        text = std::to_string(static_cast<long long>(number));
+        break;
+    }
+    case OrvFeatureDataFloat:
+        text = formatDouble(arv_gc_float_get_value(ARV_GC_FLOAT(m_node), &error));
+        break;
+    case OrvFeatureDataBool:
+        text = arv_gc_boolean_get_value(ARV_GC_BOOLEAN(m_node), &error) ? "true" : "false";
+        break;
+    case OrvFeatureDataRaw: {
+        const guint64 length = arv_gc_register_get_length(ARV_GC_REGISTER(m_node), &error);
+        if (error)
+            break;
+        if (length > 1024 * 1024)
+            return OrvErrorNotImplemented;
+        std::vector<unsigned char> bytes(static_cast<size_t>(length));
+        arv_gc_register_get(ARV_GC_REGISTER(m_node), bytes.data(), length, &error);
+        text = toHex(bytes);
+        break;
+    }
+    default:
+        return OrvErrorWrongType;
+    }
+    if (error)
+        return m_device->takeError(error);
+    value = text;
+    return OrvErrorSuccess;
+}
+
+OrvErrorType GenICamFeature::GetValue(std::string& value)
+{
+    if (m_type == OrvFeatureDataCommand || m_type == OrvFeatureDataUnknown)
+        return OrvErrorWrongType;
+    return withDevice([&]() -> OrvErrorType { return readText(value); });
+}
+
+OrvErrorType GenICamFeature::readNumber(double& value)
+{
+    OrvErrorType code = checkReadable();
+    if (code != OrvErrorSuccess)
+        return code;
+    GError* error = nullptr;
+    double number = 0.0;
+    if (m_type == OrvFeatureDataInt)
+        number = static_cast<double>(arv_gc_integer_get_value(ARV_GC_INTEGER(m_node), &error));
+    else
+        number = arv_gc_float_get_value(ARV_GC_FLOAT(m_node), &error);
+    if (error)
+        return m_device->takeError(error);
+    value = number;
+    return OrvErrorSuccess;
+}
+
+OrvErrorType GenICamFeature::readInteger(long long& value)
+{
+    OrvErrorType code = checkReadable();
+    if (code != OrvErrorSuccess)
+        return code;
+    GError* error = nullptr;
+    long long number = 0;
+    if (m_type == OrvFeatureDataInt)
+        number = arv_gc_integer_get_value(ARV_GC_INTEGER(m_node), &error);
+    else
+        number = std::llround(arv_gc_float_get_value(ARV_GC_FLOAT(m_node), &error));
+    if (error)
+        return m_device->takeError(error);
+    value = number;
+    return OrvErrorSuccess;
+}
+
+OrvErrorType GenICamFeature::GetValue(double& value)
+{
+    if (m_type != OrvFeatureDataInt && m_type != OrvFeatureDataFloat)
+        return OrvErrorWrongType;
+    return withDevice([&]() -> OrvErrorType { return readNumber(value); });
+}
+
+OrvErrorType GenICamFeature::GetValue(long long& value)
+{
+    if (m_type != OrvFeatureDataInt && m_type != OrvFeatureDataFloat)
+        return OrvErrorWrongType;
+    return withDevice([&]() -> OrvErrorType { return readInteger(value); });
+}
+
+OrvErrorType GenICamFeature::GetValue(bool& value)
+{
+    if (m_type != OrvFeatureDataBool)
+        return OrvErrorWrongType;
+    return withDevice([&]() -> OrvErrorType {
+        OrvErrorType code = checkReadable();
+        if (code != OrvErrorSuccess)
+            return code;
+        GError* error = nullptr;
+        const bool flag = arv_gc_boolean_get_value(ARV_GC_BOOLEAN(m_node), &error);
+        if (error)
+            return m_device->takeError(error);
+        value = flag;
+        return OrvErrorSuccess;
+    });
+}
+
+OrvErrorType GenICamFeature::GetRange(double& minimum, double& maximum)
+{
+    if (m_type == OrvFeatureDataInt) {
+        long long lo = 0, hi = 0;
+        const OrvErrorType code = GetRange(lo, hi);
+        if (code == OrvErrorSuccess) {
+            minimum = static_cast<double>(lo);
+            maximum = static_cast<double>(hi);
+        }
+        return code;
+    }
+    if (m_type != OrvFeatureDataFloat)
+        return OrvErrorWrongType;
+    return withDevice([&]() -> OrvErrorType {
+        GError* error = nullptr;
+        const double lo = arv_gc_float_get_min(ARV_GC_FLOAT(m_node), &error);
+        if (error)
+            return m_device->takeError(error);
+        const double hi = arv_gc_float_get_max(ARV_GC_FLOAT(m_node), &error);
+        if (error)
+            return m_device->takeError(error);
+        minimum = lo;
+        maximum = hi;
+        return OrvErrorSuccess;
+    });
+}
+
+OrvErrorType GenICamFeature::GetRange(long long& minimum, long long& maximum)
+{
+    if (m_type != OrvFeatureDataInt)
+        return OrvErrorWrongType;
+    return withDevice([&]() -> OrvErrorType {
+        GError* error = nullptr;
+        const gint64 lo = arv_gc_integer_get_min(ARV_GC_INTEGER(m_node), &error);
+        if (error)
+            return m_device->takeError(error);
+        const gint64 hi = arv_gc_integer_get_max(ARV_GC_INTEGER(m_node), &error);
+        if (error)
+            return m_device->takeError(error);
+        minimum = lo;
+        maximum = hi;
+        return OrvErrorSuccess;
+    });
+}
+
+OrvErrorType GenICamFeature::GetIncrement(double& increment)
+{
+    if (m_type == OrvFeatureDataInt) {
+        long long step = 0;
+        const OrvErrorType code = GetIncrement(step);
+        if (code == OrvErrorSuccess)
+            increment = static_cast<double>(step);
+        return code;
+    }
+    if (m_type != OrvFeatureDataFloat)
+        return OrvErrorWrongType;
+    return withDevice([&]() -> OrvErrorType {
+        GError* error = nullptr;
+        const double step = arv_gc_float_get_inc(ARV_GC_FLOAT(m_node), &error);
+        if (error)
+            return m_device->takeError(error);
+        // A float without <Inc> has no increment (Aravis answers a tiny number).
+        if (!(step > std::numeric_limits<float>::min()))
+            return OrvErrorWrongType;
+        increment = step;
+        return OrvErrorSuccess;
+    });
+}
+
+OrvErrorType GenICamFeature::GetIncrement(long long& increment)
+{
+    if (m_type != OrvFeatureDataInt)
+        return OrvErrorWrongType;
+    return withDevice([&]() -> OrvErrorType {
+        GError* error = nullptr;
+        const gint64 step = arv_gc_integer_get_inc(ARV_GC_INTEGER(m_node), &error);
+        if (error)
+            return m_device->takeError(error);
+        increment = step;
+        return OrvErrorSuccess;
+    });
+}
+
+OrvErrorType GenICamFeature::writeInteger(long long value)
+{
+    GError* error = nullptr;
+    auto* node = ARV_GC_INTEGER(m_node);
+    const gint64 lo = arv_gc_integer_get_min(node, &error);
+    if (error)
+        return m_device->takeError(error);
+    const gint64 hi = arv_gc_integer_get_max(node, &error);
+    if (error)
+        return m_device->takeError(error);
+    const gint64 step = arv_gc_integer_get_inc(node, &error);
+    if (error)
+        return m_device->takeError(error);
+    if (value < lo || value > hi || (step > 1 && (value - lo) % step != 0))
+        return OrvErrorInvalidValue;
+    arv_gc_integer_set_value(node, value, &error);
+    return m_device->takeError(error);
+}
+
+OrvErrorType GenICamFeature::writeFloat(double value)
+{
+    if (!std::isfinite(value))
+        return OrvErrorInvalidValue;
+    GError* error = nullptr;
+    auto* node = ARV_GC_FLOAT(m_node);
+    const double lo = arv_gc_float_get_min(node, &error);
+    if (error)
+        return m_device->takeError(error);
+    const double hi = arv_gc_float_get_max(node, &error);
+    if (error)
+        return m_device->takeError(error);
+    if (value < lo || value > hi)
+        return OrvErrorInvalidValue;
+    arv_gc_float_set_value(node, value, &error);
+    return m_device->takeError(error);
+}
+
+OrvErrorType GenICamFeature::SetValue(double value)
+{
+    if (m_type == OrvFeatureDataInt) {
+        if (!std::isfinite(value) || std::fabs(value) > 9.2e18)
+            return OrvErrorInvalidValue;
+        return write([&]() -> OrvErrorType { return writeInteger(std::llround(value)); });
+    }
+    if (m_type != OrvFeatureDataFloat)
+        return OrvErrorWrongType;
+    return write([&]() -> OrvErrorType { return writeFloat(value); });
+}
+
+OrvErrorType GenICamFeature::SetValue(long long value)
+{
+    if (m_type == OrvFeatureDataFloat)
+        return write([&]() -> OrvErrorType { return writeFloat(static_cast<double>(value)); });
+    if (m_type != OrvFeatureDataInt)
+        return OrvErrorWrongType;
+    return write([&]() -> OrvErrorType { return writeInteger(value); });
+}
+
+OrvErrorType GenICamFeature::SetValue(bool value)
+{
+    if (m_type != OrvFeatureDataBool)
+        return OrvErrorWrongType;
+    return write([&]() -> OrvErrorType {
+        GError* error = nullptr;
+        arv_gc_boolean_set_value(ARV_GC_BOOLEAN(m_node), value, &error);
+        return m_device->takeError(error);
+    });
+}
+
+OrvErrorType GenICamFeature::SetValue(const char* value)
+{
+    if (!value)
+        return OrvErrorBadParameter;
+    switch (m_type) {
+    case OrvFeatureDataEnum:
+        return write([&]() -> OrvErrorType {
+            // An entry that is not available now is refused like an unknown one.
+            ArvGcFeatureNode* entry = nullptr;
+            OrvErrorType code = findEntry(value, entry);
+            if (code != OrvErrorSuccess)
+                return code;
+            GError* error = nullptr;
+            const bool available = arv_gc_feature_node_is_available(entry, &error);
+            if (error)
+                return m_device->takeError(error);
+            const bool implemented = arv_gc_feature_node_is_implemented(entry, &error);
+            if (error)
+                return m_device->takeError(error);
+            if (!available || !implemented)
+                return OrvErrorInvalidValue;
+            arv_gc_enumeration_set_string_value(ARV_GC_ENUMERATION(m_node), value, &error);
+            return m_device->takeError(error);
+        });
+    case OrvFeatureDataString:
+        return write([&]() -> OrvErrorType {
+            GError* error = nullptr;
+            const gint64 maxLength = arv_gc_string_get_max_length(ARV_GC_STRING(m_node), &error);
+            if (error)
+                return m_device->takeError(error);
+            if (maxLength > 0 && static_cast<gint64>(std::strlen(value)) > maxLength)
+                return OrvErrorInvalidValue;
+            arv_gc_string_set_value(ARV_GC_STRING(m_node), value, &error);
+            return m_device->takeError(error);
+        });
+    case OrvFeatureDataRaw:
+        return write([&]() -> OrvErrorType {
+            std::vector<unsigned char> bytes;
+            if (!fromHex(value, bytes))
+                return OrvErrorInvalidValue;
+            GError* error = nullptr;
+            const guint64 length = arv_gc_register_get_length(ARV_GC_REGISTER(m_node), &error);
+            if (error)
+                return m_device->takeError(error);
+            if (bytes.size() != length)
+                return OrvErrorInvalidValue;
+            arv_gc_register_set(ARV_GC_REGISTER(m_node), bytes.data(), length, &error);
+            return m_device->takeError(error);
+        });
+    default:
+        return OrvErrorWrongType;
+    }
+}
+
+OrvErrorType GenICamFeature::RunCommand()
+{
+    if (m_type != OrvFeatureDataCommand)
+        return OrvErrorWrongType;
+    return write([&]() -> OrvErrorType {
+        GError* error = nullptr;
+        arv_gc_command_execute(ARV_GC_COMMAND(m_node), &error);
+        return m_device->takeError(error);
+    });
+}
+
+OrvErrorType GenICamFeature::RegisterObserver(const OrvCPP::shared_ptr<OrvCPP::IFeatureObserver>& observer)
+{
+    return m_device->poller().registerObserver(shared_from_this(), observer);
+}
+
+OrvErrorType GenICamFeature::UnregisterObserver(const OrvCPP::shared_ptr<OrvCPP::IFeatureObserver>& observer)
+{
+    return m_device->poller().unregisterObserver(this, observer);
+}
+
+std::string GenICamFeature::stateSnapshot()
+{
+    std::string snapshot;
+    const OrvErrorType code = withDevice([&]() -> OrvErrorType {
+        std::string value;
+        OrvErrorType read = OrvErrorSuccess;
+        if (m_type != OrvFeatureDataCommand)
+            read = readText(value);
+        if (m_device->isLost())
+            return OrvErrorDeviceLost;
+        snapshot = (read == OrvErrorSuccess ? "=" + value : "!" + std::to_string(read))
+            + (writableNow() ? "|w" : "|r");
+        return OrvErrorSuccess;
+    });
+    if (code != OrvErrorSuccess)
+        snapshot = "!" + std::to_string(code);
+    return snapshot;
+}

@@ -1,0 +1,91 @@
+#ifndef GENICAMFEATURE_H
+#define GENICAMFEATURE_H
+
+#include <OrvCPP/OrvCPP.h>
+
+#include <memory>
+#include <string>
+
+class GenICamDevice;
+typedef struct _ArvGcFeatureNode ArvGcFeatureNode;
+
+// One GenICam feature node of an Aravis device as a camera API feature.
+//
+// Data types: Integer -> OrvFeatureDataInt, Float -> OrvFeatureDataFloat,
+// Enumeration -> OrvFeatureDataEnum, String -> OrvFeatureDataString,
+// Boolean -> OrvFeatureDataBool, Command -> OrvFeatureDataCommand, any other
+// register -> OrvFeatureDataRaw (read and written as hexadecimal text).
+// Numbers may be read and written as long long or double on integer and float
+// features alike; text reads work on every type but commands.
+//
+// A feature is writable when its access mode allows writing, it is available
+// (pIsAvailable) and implemented, and it is not locked (pIsLocked). Writes to
+// a feature that is not writable return OrvErrorInvalidAccess and reach no
+// register. Name, display name, category and type are kept from the opening
+// and stay readable after the device is lost; every other call then returns
+// OrvErrorDeviceLost.
+class GenICamFeature : public OrvCPP::Feature, public std::enable_shared_from_this<GenICamFeature>
+{
+public:
+    GenICamFeature(std::shared_ptr<GenICamDevice> device, ArvGcFeatureNode* node,
+                   const std::string& category);
+    ~GenICamFeature() override;
+
+    OrvErrorType GetName(std::string& name) override;
+    OrvErrorType GetDisplayName(std::string& displayName) override;
+    OrvErrorType GetCategory(std::string& category) override;
+    OrvErrorType GetDataType(OrvFeatureDataType& dataType) override;
+    OrvErrorType IsWritable(bool& writable) override;
+
+    OrvErrorType IsValueAvailable(const char* value, bool& available) override;
+    OrvErrorType GetValues(std::vector<std::string>& values) override;
+
+    OrvErrorType GetValue(std::string& value) override;
+    OrvErrorType GetValue(double& value) override;
+    OrvErrorType GetValue(long long& value) override;
+    OrvErrorType GetValue(bool& value) override;
+
+    OrvErrorType GetRange(double& minimum, double& maximum) override;
+    OrvErrorType GetRange(long long& minimum, long long& maximum) override;
+    OrvErrorType GetIncrement(double& increment) override;
+    OrvErrorType GetIncrement(long long& increment) override;
+
+    OrvErrorType SetValue(double value) override;
+    OrvErrorType SetValue(long long value) override;
+    OrvErrorType SetValue(bool value) override;
+    OrvErrorType SetValue(const char* value) override;
+
+    OrvErrorType RunCommand() override;
+
+    OrvErrorType RegisterObserver(const OrvCPP::shared_ptr<OrvCPP::IFeatureObserver>& observer) override;
+    OrvErrorType UnregisterObserver(const OrvCPP::shared_ptr<OrvCPP::IFeatureObserver>& observer) override;
+
+    // Value, writability and availability in one text, for change detection.
+    std::string stateSnapshot();
+
+private:
+    template <typename Call>
+    OrvErrorType withDevice(Call call);
+    template <typename Call>
+    OrvErrorType write(Call call);
+
+    // The helpers below expect the device lock to be held.
+    OrvErrorType checkReadable();
+    OrvErrorType checkWritable();
+    bool writableNow();
+    OrvErrorType readText(std::string& value);
+    OrvErrorType readNumber(double& value);
+    OrvErrorType readInteger(long long& value);
+    OrvErrorType findEntry(const char* value, ArvGcFeatureNode*& entry);
+    OrvErrorType writeInteger(long long value);
+    OrvErrorType writeFloat(double value);
+
+    std::shared_ptr<GenICamDevice> m_device;
+    ArvGcFeatureNode* m_node;
+    OrvFeatureDataType m_type;
+    std::string m_name;
+    std::string m_displayName;
+    std::string m_category;
+};
+
+#endif
