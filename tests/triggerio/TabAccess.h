@@ -3,6 +3,8 @@
 
 #include "IOTriggerWidget.h"
 
+#include <QMutexLocker>
+
 // The Trigger IO tab with its members opened up for tests.
 class TabAccess : public IOTriggerWidget
 {
