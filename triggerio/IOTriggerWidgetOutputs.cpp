@@ -1,43 +1,461 @@
 #include "IOTriggerWidget.h"
 
-int IOTriggerWidget::GetOutputs(QStringList*)
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDebug>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+
+namespace {
+
+// The line selector of the camera's family, decided afresh by every output
+// function: the line family addresses its outputs through "LineSelector", the
+// sync-out family through "LineOutSelector", else "SyncOutSelector".
+struct OutputSelector
 {
-    return 0;
+    explicit OutputSelector(const FeatureManager* manager)
+        : features(manager)
+        , saved(manager->GetStringValue("LineSelector"))
+    {
+        lineFamily = !saved.isEmpty();
+        if (!lineFamily)
+            saved = features->GetStringValue("LineOutSelector", "SyncOutSelector");
+    }
+
+    // False when neither family's selector can be read.
+    bool found() const { return !saved.isEmpty(); }
+
+    // Points the selector at a line; an empty result means the write failed.
+    QString select(const QString& line) const
+    {
+        if (lineFamily)
+            return features->SetValue("LineSelector", line);
+        return features->SetValue("LineOutSelector", "SyncOutSelector", line);
+    }
+
+    QString restore() const { return select(saved); }
+
+    const FeatureManager* features;
+    QString saved;
+    bool lineFamily = true;
+};
+
+// Numeric writes are judged by a one-character text made from the returned
+// number; such a text is never empty.
+QString resultText(double value)
+{
+    return QString(QChar(static_cast<ushort>(static_cast<int>(value) & 0xFF)));
+}
+
+} // namespace
+
+int IOTriggerWidget::GetOutputs(QStringList* outputs)
+{
+    int count = 0;
+    const QStringList lines = m_pFeatureManager->GetAvailableEnumEntries("LineSelector");
+    if (lines.size() < 1)
+    {
+        // Sync outputs: every selector entry is an output.
+        const QStringList syncOuts = m_pFeatureManager->GetAvailableEnumEntries("LineOutSelector", "SyncOutSelector");
+        for (const QString& line : syncOuts)
+        {
+            outputs->append(line);
+            ++count;
+        }
+        return count;
+    }
+
+    const QString saved = m_pFeatureManager->GetStringValue("LineSelector");
+    for (const QString& line : lines)
+    {
+        if (!m_pFeatureManager->SetValue("LineSelector", line).isEmpty())
+        {
+            const QString mode = m_pFeatureManager->GetStringValue("LineMode");
+            if (!mode.isEmpty() && mode == "Output")
+            {
+                outputs->append(line);
+                ++count;
+            }
+        }
+        // Put the selector back after every line.
+        if (m_pFeatureManager->SetValue("LineSelector", saved).isEmpty())
+            qDebug() << "GetOutputs" << "Error: SetValue(LineSelector) retValue == ''";
+    }
+    return count;
 }
 
 QList<int> IOTriggerWidget::DetermineOutsIndex()
 {
-    return QList<int>();
+    QList<int> outsIndex;
+    SetConnectionsDisabled(true);
+    const QString current = m_pComboInputLineSelector ? m_pComboInputLineSelector->currentText() : QString();
+    const QString saved = m_pFeatureManager->GetStringValue("LineSelector");
+
+    const int count = m_pComboInputLineSelector ? m_pComboInputLineSelector->count() : 0;
+    for (int i = 0; i < count; ++i)
+    {
+        const QString line = QString::fromLatin1(m_pComboInputLineSelector->itemText(i).toLatin1());
+        if (!m_pFeatureManager->SetValue("LineSelector", line).isEmpty() &&
+            m_pFeatureManager->GetStringValue("LineMode") == "Output")
+            outsIndex.append(i);
+    }
+    m_pFeatureManager->SetValue("LineSelector", saved);
+
+    if (m_pComboInputLineSelector)
+    {
+        int index = -1;
+        for (int i = 0; i < count && index < 0; ++i)
+        {
+            if (m_pComboInputLineSelector->itemText(i) == current)
+                index = i;
+        }
+        m_pComboInputLineSelector->setCurrentIndex(index);
+    }
+    SetConnectionsDisabled(false);
+    return outsIndex;
 }
 
 void IOTriggerWidget::createOutputLabels()
 {
+    QGridLayout* grid = ui.grid_Output;
+
+    // The caption is the camera's own name of the source feature.
+    const QString sourceName =
+        m_pFeatureManager->GetFeatureName(QStringList() << "LineOutSource" << "SyncOutSource" << "LineSource");
+    m_pLabelOutSource = new QLabel(sourceName + ":");
+    grid->addWidget(m_pLabelOutSource, 0, 1, Qt::AlignLeft);
+
+    const QString invertName =
+        m_pFeatureManager->GetDisplayName(QStringList() << "SyncOutPolarity" << "LineOutPolarity" << "LineInverter");
+    m_pLabelOutInvert = new QLabel(invertName.contains("Polarity") ? tr("Polarity:") : tr("Invert:"));
+    grid->addWidget(m_pLabelOutInvert, 0, 2, Qt::AlignCenter);
+
+    m_pLabelOutStatus = new QLabel(tr("Status:"));
+    grid->addWidget(m_pLabelOutStatus, 0, 3, Qt::AlignCenter);
+
+    if (m_bUserOutputSelector)
+    {
+        m_pLabelUserOutSelector = new QLabel(tr("UserOutSel.:"));
+        grid->addWidget(m_pLabelUserOutSelector, 0, 4, Qt::AlignLeft);
+        m_pLabelUserValue = new QLabel(tr("User Value:"));
+        grid->addWidget(m_pLabelUserValue, 0, 5, Qt::AlignCenter);
+    }
 }
 
 void IOTriggerWidget::createOutput()
 {
+    QGridLayout* grid = ui.grid_Output;
+
+    m_Outputs.clear();
+    const int count = GetOutputs(&m_Outputs);
+
+    const int height =
+        (m_pFeatureManager->GetIsFeatureAvailable("SyncOutLevels", "LineOutLevels") ? 85 : 60) + 35 * count;
+    ui.gb_Output->setMinimumHeight(height);
+    ui.gb_Output->setMaximumHeight(height);
+
+    for (int i = 0; i < count; ++i)
+    {
+        const int gridRow = i + 1;
+
+        QLabel* label = new QLabel(m_Outputs.at(i) + ": ");
+        m_OutLineLabels.insert(i, label);
+        grid->addWidget(label, gridRow, 0, Qt::AlignLeft);
+
+        QSharedPointer<OutputRow> row(new OutputRow);
+        m_OutputRows.append(row);
+
+        row->m_pComboSource.reset(new QComboBox);
+        row->m_pComboSource->setSizeAdjustPolicy(QComboBox::AdjustToContentsOnFirstShow);
+        row->m_pComboSource->setMaximumWidth(95);
+        connect(row->m_pComboSource.data(), SIGNAL(currentIndexChanged(QString)), this,
+                SLOT(OnComboOutSourceChanged(QString)));
+        grid->addWidget(row->m_pComboSource.data(), gridRow, 1, Qt::Alignment());
+
+        row->m_pCBInvert.reset(new QCheckBox);
+        connect(row->m_pCBInvert.data(), SIGNAL(stateChanged(int)), this, SLOT(OnCBOutInvertChanged(int)));
+        grid->addWidget(row->m_pCBInvert.data(), gridRow, 2, Qt::AlignCenter);
+
+        row->m_pCBStatus.reset(new QCheckBox);
+        connect(row->m_pCBStatus.data(), SIGNAL(stateChanged(int)), this, SLOT(OnCBOutStatusChanged(int)));
+        grid->addWidget(row->m_pCBStatus.data(), gridRow, 3, Qt::AlignCenter);
+
+        if (m_bUserOutputSelector)
+        {
+            // Only shows the binding of the line; never edited, so not connected.
+            row->m_pComboUserOutSelector.reset(new QComboBox);
+            row->m_pComboUserOutSelector->setSizeAdjustPolicy(QComboBox::AdjustToContentsOnFirstShow);
+            row->m_pComboUserOutSelector->setLayoutDirection(Qt::RightToLeft);
+            grid->addWidget(row->m_pComboUserOutSelector.data(), gridRow, 4, Qt::Alignment());
+
+            // There are five user value slots; the boxes of later rows stay unconnected.
+            row->m_pCBUserValue.reset(new QCheckBox);
+            static const char* const userValueSlots[] = {
+                SLOT(OnCBOutUserValueChanged1(int)), SLOT(OnCBOutUserValueChanged2(int)),
+                SLOT(OnCBOutUserValueChanged3(int)), SLOT(OnCBOutUserValueChanged4(int)),
+                SLOT(OnCBOutUserValueChanged5(int))};
+            if (i < 5)
+                connect(row->m_pCBUserValue.data(), SIGNAL(stateChanged(int)), this, userValueSlots[i]);
+            grid->addWidget(row->m_pCBUserValue.data(), gridRow, 5, Qt::AlignCenter);
+        }
+    }
+
+    grid->setColumnStretch(0, 1);
+    grid->setColumnStretch(1, 3);
+    for (int column = 2; column <= 5; ++column)
+        grid->setColumnStretch(column, 1);
+
+    // A rebuild replaces the sync-levels row of the previous build, which would
+    // otherwise stay in the grid next to the new one.
+    delete m_pLabelSyncLevels;
+    m_pLabelSyncLevels = nullptr;
+    delete m_pEditSyncLevels;
+    m_pEditSyncLevels = nullptr;
+
+    if (m_pFeatureManager->GetIsFeatureAvailable("SyncOutLevels", "LineOutLevels"))
+    {
+        m_pLabelSyncLevels =
+            new QLabel(m_pFeatureManager->GetIsFeatureAvailable("LineOutLevels") ? tr("LineOutLevels")
+                                                                                : tr("SyncLevels:"));
+        grid->addWidget(m_pLabelSyncLevels, count + 1, 0, Qt::Alignment());
+
+        m_pEditSyncLevels = new QLineEdit;
+        m_pEditSyncLevels->setReadOnly(true);
+        m_pEditSyncLevels->setMaximumWidth(65);
+        m_pEditSyncLevels->setStyleSheet("QLineEdit {background-color: gray;}");
+        m_pEditSyncLevels->setAlignment(Qt::AlignCenter);
+        grid->addWidget(m_pEditSyncLevels, count + 1, 3, Qt::AlignCenter);
+    }
+
+    SetConnectionsDisabled(true);
+    updateOutSource();
+    updateOutInvert();
+    updateOutStatus();
+    updateSyncLevels();
+    if (m_bUserOutputSelector)
+    {
+        updateUserOutSelector();
+        updateUserOutValue();
+    }
+    SetConnectionsDisabled(false);
 }
 
 void IOTriggerWidget::updateOutSource()
 {
+    const OutputSelector selector(m_pFeatureManager);
+    if (selector.found() && selector.lineFamily)
+    {
+        for (int i = 0; i < m_OutputRows.size(); ++i)
+        {
+            const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
+            if (!selector.select(m_Outputs.value(i)).isEmpty())
+                updateComboBox("LineSource", row->m_pComboSource.data(), true);
+            const QString source = row->m_pComboSource->currentText();
+            row->m_pCBStatus->setEnabled(source == "Direct" && m_pFeatureManager->GetIsWritable("LineStatus"));
+            if (m_bUserOutputSelector && row->m_pCBUserValue)
+                row->m_pCBUserValue->setEnabled(source.contains("UserOutput"));
+        }
+        qDebug() << "updateOutSource" << "SetValue('LineSelector') = " << selector.restore();
+    }
+    else if (selector.found())
+    {
+        const QString sourceFeature =
+            m_pFeatureManager->GetIsFeatureAvailable("LineOutSource") ? "LineOutSource" : "SyncOutSource";
+        for (int i = 0; i < m_OutputRows.size(); ++i)
+        {
+            const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
+            if (!selector.select(m_Outputs.value(i)).isEmpty())
+                updateComboBox(sourceFeature, row->m_pComboSource.data(), true);
+            row->m_pCBStatus->setEnabled(row->m_pComboSource->currentText() == "GPO" &&
+                                         m_pFeatureManager->GetIsWritable("LineOutLevels", "SyncOutLevels"));
+        }
+        qDebug() << "updateOutSource" << "SetValue('LineOutSelector', 'SyncOutSelector') = " << selector.restore();
+    }
+
+    if (m_bUserOutputSelector)
+        updateUserOutSelector();
 }
 
 void IOTriggerWidget::updateOutInvert()
 {
+    const OutputSelector selector(m_pFeatureManager);
+    if (!selector.found())
+        return;
+
+    if (selector.lineFamily)
+    {
+        for (int i = 0; i < m_OutputRows.size(); ++i)
+        {
+            const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
+            if (selector.select(m_Outputs.value(i)).isEmpty())
+                continue;
+            row->m_pCBInvert->setChecked(m_pFeatureManager->GetValue("LineInverter") != 0.0);
+            row->m_pCBInvert->setEnabled(m_pFeatureManager->GetIsWritable("LineInverter"));
+        }
+        qDebug() << "updateOutInvert" << "SetValue('LineSelector') = " << selector.restore();
+        return;
+    }
+
+    // The sync-out family puts its selector back after every row.
+    for (int i = 0; i < m_OutputRows.size(); ++i)
+    {
+        const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
+        if (!selector.select(m_Outputs.value(i)).isEmpty())
+        {
+            const QString polarity = m_pFeatureManager->GetStringValue("LineOutPolarity", "SyncOutPolarity");
+            if (!polarity.isEmpty())
+            {
+                row->m_pCBInvert->setChecked(polarity == "Invert");
+                row->m_pCBInvert->setEnabled(m_pFeatureManager->GetIsWritable("LineOutPolarity", "SyncOutPolarity"));
+            }
+        }
+        qDebug() << "updateOutInvert" << "SetValue('LineOutSelector', 'SyncOutSelector') = " << selector.restore();
+    }
 }
 
 void IOTriggerWidget::updateOutStatus()
 {
+    // The sync-out family shows its line states through the level mask instead.
+    const QString saved = m_pFeatureManager->GetStringValue("LineSelector");
+    if (saved.isEmpty())
+        return;
+
+    for (int i = 0; i < m_OutputRows.size(); ++i)
+    {
+        const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
+        if (m_pFeatureManager->SetValue("LineSelector", m_Outputs.value(i)).isEmpty())
+            continue;
+        row->m_pCBStatus->setChecked(m_pFeatureManager->GetValue("LineStatus") != 0.0);
+        row->m_pCBStatus->setEnabled(row->m_pComboSource->currentText() == "Direct" &&
+                                     m_pFeatureManager->GetIsWritable("LineStatus"));
+    }
+    qDebug() << "updateOutStatus" << "SetValue('LineSelector') = " << m_pFeatureManager->SetValue("LineSelector", saved);
 }
 
-void IOTriggerWidget::OnComboOutSourceChanged(QString)
+void IOTriggerWidget::OnComboOutSourceChanged(QString text)
 {
+    SetConnectionsDisabled(true);
+    const OutputSelector selector(m_pFeatureManager);
+
+    // The sending row is not known: every row showing the chosen text is written.
+    if (selector.found() && selector.lineFamily)
+    {
+        for (int i = 0; i < m_OutputRows.size(); ++i)
+        {
+            const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
+            const QString source = row->m_pComboSource->currentText();
+            if (!selector.select(m_Outputs.value(i)).isEmpty() && source == text)
+                OnComboChanged("LineSource", QString::fromLatin1(source.toLatin1()));
+            row->m_pCBStatus->setEnabled(source == "Direct" && m_pFeatureManager->GetIsWritable("LineStatus"));
+            if (m_bUserOutputSelector && row->m_pCBUserValue)
+                row->m_pCBUserValue->setEnabled(source.contains("UserOutput"));
+        }
+        if (selector.restore().isEmpty())
+            qDebug() << "OnComboOutSourceChanged" << "Error: setValue(LineSelector) returned ''";
+    }
+    else if (selector.found())
+    {
+        for (int i = 0; i < m_OutputRows.size(); ++i)
+        {
+            const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
+            const QString source = row->m_pComboSource->currentText();
+            selector.select(m_Outputs.value(i));
+            if (source == text)
+                m_pFeatureManager->SetValue("LineOutSource", "SyncOutSource", source);
+            row->m_pCBStatus->setEnabled(source == "GPO" &&
+                                         m_pFeatureManager->GetIsWritable("LineOutLevels", "SyncOutLevels"));
+        }
+        if (selector.restore().isEmpty())
+            qDebug() << "OnComboOutSourceChanged" << "Error: setValue(LineOutSelector) returned ''";
+    }
+
+    if (m_bUserOutputSelector)
+    {
+        updateUserOutSelector();
+        updateUserOutValue();
+    }
+    SetConnectionsDisabled(false);
 }
 
 void IOTriggerWidget::OnCBOutInvertChanged(int)
 {
+    SetConnectionsDisabled(true);
+    UnRegisterFeatureObserver(false);
+    const OutputSelector selector(m_pFeatureManager);
+
+    // Every row's box is written, not only the one that changed.
+    if (selector.found() && selector.lineFamily)
+    {
+        for (int i = 0; i < m_OutputRows.size(); ++i)
+        {
+            const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
+            if (selector.select(m_Outputs.value(i)).isEmpty())
+                continue;
+            const double written = m_pFeatureManager->SetValue("LineInverter", row->m_pCBInvert->isChecked() ? 1.0 : 0.0);
+            if (resultText(written).isEmpty())
+                qDebug() << "OnCBOutInvertChanged" << "LineInverter retValue == ''";
+        }
+        if (selector.restore().isEmpty())
+            qDebug() << "OnCBOutInvertChanged" << "LineSelector retValue == ''";
+        updateOutStatus();
+    }
+    else if (selector.found())
+    {
+        for (int i = 0; i < m_OutputRows.size(); ++i)
+        {
+            const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
+            if (selector.select(m_Outputs.value(i)).isEmpty())
+                continue;
+            const QString polarity = row->m_pCBInvert->isChecked() ? "Invert" : "Normal";
+            if (m_pFeatureManager->SetValue("LineOutPolarity", "SyncOutPolarity", polarity).isEmpty())
+                qDebug() << "OnCBOutInvertChanged" << "LineOutPolarity retValue == ''";
+        }
+        if (selector.restore().isEmpty())
+            qDebug() << "OnCBOutInvertChanged" << "LineOutSelector retValue == ''";
+    }
+
+    RegisterFeatureObserver(false);
+    SetConnectionsDisabled(false);
 }
 
 void IOTriggerWidget::OnCBOutStatusChanged(int)
 {
+    SetConnectionsDisabled(true);
+    UnRegisterFeatureObserver(false);
+
+    // Only "LineSelector" decides the family here.
+    const QString saved = m_pFeatureManager->GetStringValue("LineSelector");
+    if (!saved.isEmpty())
+    {
+        for (int i = 0; i < m_OutputRows.size(); ++i)
+        {
+            const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
+            if (m_pFeatureManager->SetValue("LineSelector", m_Outputs.value(i)).isEmpty())
+                continue;
+            const double written = m_pFeatureManager->SetValue("LineStatus", row->m_pCBStatus->isChecked() ? 1.0 : 0.0);
+            if (resultText(written).isEmpty())
+                qDebug() << "OnCBOutStatusChanged" << "Error: SetValue(LineStatus) returned '' ";
+        }
+        if (m_pFeatureManager->SetValue("LineSelector", saved).isEmpty())
+            qDebug() << "OnCBOutStatusChanged" << "Error: LineSelector retValue == ''";
+    }
+    else if (m_pFeatureManager->GetIsFeatureAvailable("LineOutLevels", "SyncOutLevels"))
+    {
+        // One bit per row; the mask has 32 bits, so row 32 shares bit 0 with row 0.
+        quint32 mask = 0;
+        for (int i = 0; i < m_OutputRows.size(); ++i)
+        {
+            if (m_OutputRows.at(i)->m_pCBStatus->isChecked())
+                mask |= quint32(1) << (i % 32);
+        }
+        if (m_pFeatureManager->SetValue("LineOutLevels", "SyncOutLevels", static_cast<double>(mask)) < 0)
+            qDebug() << "OnCBOutStatusChanged" << "Error: SetValue(LineOutLevels) retValue == ''";
+        if (m_pEditSyncLevels)
+            m_pEditSyncLevels->setText(QString::number(mask));
+    }
+
+    RegisterFeatureObserver(false);
+    SetConnectionsDisabled(false);
 }

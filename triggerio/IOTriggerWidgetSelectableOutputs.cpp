@@ -1,18 +1,122 @@
 #include "IOTriggerWidget.h"
 
-int IOTriggerWidget::GetOptionalOutputs(QStringList*)
+#include <QColor>
+#include <QComboBox>
+#include <QDebug>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QPalette>
+
+int IOTriggerWidget::GetOptionalOutputs(QStringList* outputs)
 {
-    return 0;
+    int count = 0;
+    const QStringList lines = m_pFeatureManager->GetAvailableEnumEntries("LineSelector");
+    const QString saved = m_pFeatureManager->GetStringValue("LineSelector");
+
+    // A line is selectable when its "LineMode" is writable and offers "Output".
+    for (const QString& line : lines)
+    {
+        if (!m_pFeatureManager->SetValue("LineSelector", line).isEmpty())
+        {
+            const QStringList modes = m_pFeatureManager->GetAvailableEnumEntries("LineMode");
+            for (const QString& mode : modes)
+            {
+                if (m_pFeatureManager->GetIsWritable("LineMode") && mode == "Output")
+                {
+                    ++count;
+                    outputs->append(line);
+                }
+            }
+        }
+        if (m_pFeatureManager->SetValue("LineSelector", saved).isEmpty())
+            qDebug() << "GetOptionalOutputs" << "Error: SetValue(LineSelector) retValue == ''";
+    }
+    return count;
 }
 
 void IOTriggerWidget::createOptionalOutputs()
 {
+    QGridLayout* grid = ui.grid_SelectableOut;
+
+    // An invisible, flat copy of the Output group's header, so that the columns
+    // of both groups take the same widths.
+    QString sourceText;
+    if (m_pFeatureManager->GetIsFeatureAvailable("SynOutSource", "LineOutSource"))
+        sourceText = m_pFeatureManager->GetIsFeatureAvailable("LineOutSource") ? tr("LineOutSource:")
+                                                                                : tr("SyncOutSource:");
+    else
+        sourceText = tr("LineSource:");
+    QLabel* source = new QLabel(sourceText);
+    QLabel* invert = new QLabel(m_pFeatureManager->GetIsFeatureAvailable("SynOutPolarity", "LineOutPolarity")
+                                    ? tr("Polarity:")
+                                    : tr("Invert:"));
+    QLabel* status = new QLabel(tr("Status:"));
+    QLabel* userOutSelector = new QLabel(tr("UserOutSel.:"));
+    QLabel* userValue = new QLabel(tr("User Value:"));
+
+    const QColor background = source->palette().color(QPalette::Window);
+    const QString style = QString("QLabel { color : rgb( ") + QString::number(background.red()) + ", " +
+                          QString::number(background.green()) + ", " + QString::number(background.blue()) + "); }";
+    for (QLabel* label : {source, invert, status, userOutSelector, userValue})
+    {
+        label->setStyleSheet(style);
+        label->setMaximumHeight(2);
+    }
+    grid->addWidget(source, 0, 1, Qt::AlignLeft);
+    grid->addWidget(invert, 0, 2, Qt::AlignCenter);
+    grid->addWidget(status, 0, 3, Qt::AlignCenter);
+    grid->addWidget(userOutSelector, 0, 4, Qt::AlignLeft);
+    grid->addWidget(userValue, 0, 5, Qt::AlignCenter);
+
+    ui.gb_SelectOutput->setMinimumHeight(m_nOptionalOutputs * 55);
+    ui.gb_SelectOutput->setMaximumHeight(m_nOptionalOutputs * 55);
+
+    for (int i = 0; i < m_nOptionalOutputs; ++i)
+    {
+        grid->addWidget(new QLabel(m_OptionalOutputs.value(i) + ": "), i + 1, 0, Qt::AlignLeft);
+
+        QComboBox* combo = new QComboBox;
+        connect(combo, SIGNAL(currentIndexChanged(QString)), this, SLOT(OnComboOptionalOutChanged(QString)));
+        m_OptionalOutCombos.insert(i, combo);
+        grid->addWidget(combo, i + 1, 1, Qt::AlignLeft);
+    }
+
+    updateOptionalOut();
 }
 
 void IOTriggerWidget::updateOptionalOut()
 {
+    if (m_nOptionalOutputs <= 0)
+        return;
+
+    // These combos are not blocked: filling one reaches OnComboOptionalOutChanged,
+    // which saves and restores the selector around its own writes.
+    const QString saved = m_pFeatureManager->GetStringValue("LineSelector");
+    for (int i = 0; i < m_OptionalOutCombos.size(); ++i)
+    {
+        if (!m_pFeatureManager->SetValue("LineSelector", m_OptionalOutputs.value(i)).isEmpty())
+            updateComboBox("LineMode", m_OptionalOutCombos.at(i), false);
+    }
+    qDebug() << "RetValue updateOpt. Out" << m_pFeatureManager->SetValue("LineSelector", saved);
+
+    updateUserOutSelector();
 }
 
-void IOTriggerWidget::OnComboOptionalOutChanged(QString)
+void IOTriggerWidget::OnComboOptionalOutChanged(QString text)
 {
+    if (m_nOptionalOutputs < 1)
+        return;
+
+    // The sending combo is not known: every line whose combo shows the text is written.
+    const QString saved = m_pFeatureManager->GetStringValue("LineSelector");
+    for (int i = 0; i < m_OptionalOutputs.size(); ++i)
+    {
+        QComboBox* combo = m_OptionalOutCombos.value(i);
+        if (!m_pFeatureManager->SetValue("LineSelector", m_OptionalOutputs.at(i)).isEmpty() && combo &&
+            combo->currentText() == text)
+            OnComboChanged("LineMode", QString::fromLatin1(combo->currentText().toLatin1()));
+    }
+    if (m_pFeatureManager->SetValue("LineSelector", saved).isEmpty())
+        qDebug() << "OnComboOptionalOutChanged" << "Error: SetValue(LineSelector) retValue == ''";
 }

@@ -1,23 +1,142 @@
 #include "IOTriggerWidget.h"
 
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDebug>
+#include <QLineEdit>
+
+#include <string>
+
 void IOTriggerWidget::updateSyncLevels()
 {
+    // Bit i of the level mask is the state of output row i; a negative value
+    // means the levels cannot be read.
+    const qint64 levels = static_cast<qint64>(m_pFeatureManager->GetValue("LineOutLevels", "SyncOutLevels"));
+    if (levels < 0)
+        return;
+
+    for (int i = 0; i < m_OutputRows.size(); ++i)
+    {
+        const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
+        row->m_pCBStatus->setChecked(((levels >> (i % 64)) & 1) != 0);
+        row->m_pCBStatus->setEnabled(m_pFeatureManager->GetIsWritable("LineOutLevels", "SyncOutLevels") &&
+                                     row->m_pComboSource->currentText() == "GPO");
+    }
+    if (m_pEditSyncLevels)
+        m_pEditSyncLevels->setText(QString::number(levels));
 }
 
 void IOTriggerWidget::updateUserOutSelector()
 {
+    const QStringList entries = m_pFeatureManager->GetAvailableEnumEntries("UserOutputSelector");
+    for (const QSharedPointer<OutputRow>& row : qAsConst(m_OutputRows))
+    {
+        if (!row->m_pComboUserOutSelector)
+            continue;
+        row->m_pComboUserOutSelector->clear();
+        row->m_pComboUserOutSelector->addItems(entries);
+    }
+
+    // The selector only shows which user output drives the line; it is never edited.
+    for (const QSharedPointer<OutputRow>& row : qAsConst(m_OutputRows))
+    {
+        QComboBox* userOut = row->m_pComboUserOutSelector.data();
+        if (!userOut)
+            continue;
+        const QString source = row->m_pComboSource->currentText();
+        if (source.contains("UserOutput"))
+        {
+            for (int k = 0; k < userOut->count(); ++k)
+            {
+                if (userOut->itemText(k) == source)
+                {
+                    userOut->setCurrentIndex(k);
+                    userOut->setEnabled(false);
+                }
+            }
+        }
+        else
+        {
+            userOut->setCurrentIndex(-1);
+            userOut->setEnabled(false);
+        }
+    }
 }
 
 void IOTriggerWidget::updateUserOutValue()
 {
+    const QString saved = m_pFeatureManager->GetStringValue("UserOutputSelector");
+    for (const QSharedPointer<OutputRow>& row : qAsConst(m_OutputRows))
+    {
+        if (!row->m_pComboUserOutSelector)
+            continue;
+        const QString userOut = row->m_pComboUserOutSelector->currentText();
+        if (!userOut.contains("UserOutput"))
+            continue;
+        if (!m_pFeatureManager->SetValue("UserOutputSelector", userOut).isEmpty())
+            row->m_pCBUserValue->setChecked(m_pFeatureManager->GetValue("UserOutputValue") != 0.0);
+    }
+    if (m_pFeatureManager->SetValue("UserOutputSelector", saved).isEmpty())
+        qDebug() << "updateUserOutValue" << "Error: SetValue(UserOutputSelector) retValue == ''";
+
+    for (const QSharedPointer<OutputRow>& row : qAsConst(m_OutputRows))
+    {
+        if (row->m_pCBUserValue)
+            row->m_pCBUserValue->setEnabled(row->m_pComboSource->currentText().contains("UserOutput"));
+    }
 }
 
-void IOTriggerWidget::SetOnCBOutUserValueChanged(int, int)
+void IOTriggerWidget::SetOnCBOutUserValueChanged(int row, int state)
 {
+    if (row < 0 || row >= m_OutputRows.size())
+        return;
+    QComboBox* userOut = m_OutputRows.at(row)->m_pComboUserOutSelector.data();
+    if (!userOut)
+        return;
+
+    const QString saved = m_pFeatureManager->GetStringValue("UserOutputSelector");
+    const std::string selected = userOut->currentText().toStdString();
+    QString retValue = m_pFeatureManager->SetValue("UserOutputSelector", QString::fromStdString(selected));
+    if (!retValue.isEmpty())
+    {
+        // The check box state goes out as it is: 2 for checked, 0 for unchecked.
+        const double written = m_pFeatureManager->SetValue("UserOutputValue", static_cast<double>(state));
+        retValue = QString(QChar(static_cast<ushort>(static_cast<int>(written) & 0xFF)));
+        if (retValue.isEmpty())
+            qDebug() << "SetOnCBOutUserValueChanged" << "Error: SetValue(UserOutputValue) retValue == ''";
+    }
+    m_pFeatureManager->SetValue("UserOutputSelector", saved);
+    // Tells about the selector write above, not about the restore.
+    if (retValue.isEmpty())
+        qDebug() << "SetOnCBOutUserValueChanged" << "Error: SetValue(UserOutputSelector) retValue == ''";
 }
 
-void IOTriggerWidget::OnCBOutUserValueChanged(int, int)
+void IOTriggerWidget::OnCBOutUserValueChanged(int row, int state)
 {
+    SetConnectionsDisabled(true);
+    UnRegisterFeatureObserver(false);
+
+    SetOnCBOutUserValueChanged(row, state);
+
+    // Lines bound to the same user output always show the same value.
+    QComboBox* userOut =
+        row >= 0 && row < m_OutputRows.size() ? m_OutputRows.at(row)->m_pComboUserOutSelector.data() : nullptr;
+    if (userOut)
+    {
+        for (int j = 0; j < m_OutputRows.size(); ++j)
+        {
+            const QSharedPointer<OutputRow>& other = m_OutputRows.at(j);
+            if (j == row || !other->m_pComboUserOutSelector ||
+                other->m_pComboUserOutSelector->currentText() != userOut->currentText())
+                continue;
+            SetOnCBOutUserValueChanged(j, state);
+            other->m_pCBUserValue->setChecked(state != 0);
+        }
+    }
+
+    updateOutStatus();
+    RegisterFeatureObserver(false);
+    SetConnectionsDisabled(false);
 }
 
 void IOTriggerWidget::OnCBOutUserValueChanged1(int state)
