@@ -10,6 +10,7 @@
 #include <QAtomicInt>
 #include <QFile>
 #include <QFileInfo>
+#include <QXmlStreamReader>
 
 #include <mutex>
 #include <set>
@@ -88,6 +89,19 @@ OrvErrorType GenICamCamera::openFake(const QString& path, ArvDevice*& device)
                     QStringLiteral("GenICam file cannot be read: '%1' (%2)").arg(path, file.errorString()));
     const QByteArray xml = file.readAll();
 
+    // Well-formed XML first: Aravis's parser reports broken XML only as log
+    // criticals, and a clear line and column helps whoever edits the file.
+    QXmlStreamReader reader(xml);
+    while (!reader.atEnd())
+        reader.readNext();
+    if (reader.hasError() || xml.trimmed().isEmpty())
+        return fail(OrvErrorInvalidValue, QStringLiteral("GenICam file is not well-formed XML: '%1' (line %2, column %3: %4)")
+                                              .arg(path)
+                                              .arg(reader.lineNumber())
+                                              .arg(reader.columnNumber())
+                                              .arg(xml.trimmed().isEmpty() ? QStringLiteral("empty file")
+                                                                           : reader.errorString()));
+
     // Let Aravis parse it once on its own first: the fake device does not
     // report a broken description, it would run without features.
     ArvGc* check = xml.isEmpty() ? nullptr : arv_gc_new(nullptr, xml.constData(), size_t(xml.size()));
@@ -132,6 +146,14 @@ OrvErrorType GenICamCamera::openAravis(const QString& id, ArvDevice*& device)
     if (device) {
         if (error)
             g_error_free(error);
+        // Aravis opens a GigE Vision camera that another program controls in
+        // monitor mode; its writes would time out. Refuse it instead.
+        if (ARV_IS_GV_DEVICE(device) && !arv_gv_device_is_controller(ARV_GV_DEVICE(device))) {
+            g_object_unref(device);
+            device = nullptr;
+            return fail(OrvErrorInvalidAccess,
+                        QStringLiteral("Device '%1' is in use by another program (no control access)").arg(id));
+        }
         return OrvErrorSuccess;
     }
     const QString reason = messageOf(error);
