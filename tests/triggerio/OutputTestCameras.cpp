@@ -2,7 +2,7 @@
 
 namespace OutputCams {
 
-void lineFamily(TestCam::TestCamera& cam, const QStringList& modes, bool userOutputs,
+TestCam::FeatureSetup lineFamily(TestCam::TestCamera& cam, const QStringList& modes, bool userOutputs,
                 const QString& inverterDisplayName)
 {
     QStringList lines;
@@ -24,6 +24,7 @@ void lineFamily(TestCam::TestCamera& cam, const QStringList& modes, bool userOut
         cam.addEnum("UserOutputSelector", {"UserOutput0", "UserOutput1", "UserOutput2"}, "UserOutput0");
         cam.addBool("UserOutputValue", false).selectedBy("UserOutputSelector");
     }
+    return mode;
 }
 
 void syncOutFamily(TestCam::TestCamera& cam, int outputs, bool lineOutNames)

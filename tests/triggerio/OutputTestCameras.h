@@ -17,8 +17,9 @@ const QStringList SyncSources{"GPO", "Exposing", "Readout", "Imaging"};
 // "Line0". "LineMode" is read-only on every line (no selectable outputs), sources start
 // at "Off", inverters and states at false. With user outputs, "UserOutputSelector"
 // offers UserOutput0..2 (selected "UserOutput0"), each with its own "UserOutputValue".
-// The inverter's display name is its feature name unless one is given.
-void lineFamily(TestCam::TestCamera& cam, const QStringList& modes, bool userOutputs = true,
+// The inverter's display name is its feature name unless one is given. Returns the
+// set-up of "LineMode", for making lines switchable.
+TestCam::FeatureSetup lineFamily(TestCam::TestCamera& cam, const QStringList& modes, bool userOutputs = true,
                 const QString& inverterDisplayName = QString());
 
 // Sync-out family with `outputs` entries "SyncOut1", "SyncOut2", ... (selected the
