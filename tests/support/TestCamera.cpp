@@ -81,6 +81,7 @@ struct Core
     mutable std::recursive_mutex mutex;
     std::vector<FeatureData> features;
     QStringList journal;
+    QStringList reads;
     QMap<QPair<QString, int>, int> calls;
     QMap<QPair<QString, int>, Fault> faults;
 
@@ -118,6 +119,8 @@ struct Core
     {
         const QPair<QString, int> key(name, static_cast<int>(op));
         ++calls[key];
+        if (op == Op::GetString || op == Op::GetDouble || op == Op::GetInt || op == Op::GetBool)
+            reads.append(name);
         auto it = faults.find(key);
         if (it == faults.end())
             return OrvErrorSuccess;
@@ -705,6 +708,18 @@ void TestCamera::clearJournal()
 {
     std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
     m_core->journal.clear();
+}
+
+QStringList TestCamera::reads() const
+{
+    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
+    return m_core->reads;
+}
+
+void TestCamera::clearReads()
+{
+    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
+    m_core->reads.clear();
 }
 
 int TestCamera::calls(const QString& name, Op op) const

@@ -109,6 +109,10 @@ public:
     QStringList journal() const;
     void clearJournal();
 
+    // Names of the features whose value was read (any type), in the order of the reads.
+    QStringList reads() const;
+    void clearReads();
+
     int calls(const QString& name, Op op) const;
     int totalCalls() const;
     void resetCalls();
