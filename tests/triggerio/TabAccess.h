@@ -63,13 +63,15 @@ public:
     using IOTriggerWidget::m_Spacers;
     using IOTriggerWidget::ui;
 
-    // Runs the refresh dispatcher on the given changed names, as a timer tick would.
+    // Runs one refresh tick on the given changed names (observers are off during
+    // the pass, as on a real tick).
     void refresh(const QStringList& changed)
     {
-        QMutexLocker lock(m_pMutex);
-        *m_pChangedFeatures = changed;
-        updateInit();
-        m_pChangedFeatures->clear();
+        {
+            QMutexLocker lock(m_pMutex);
+            *m_pChangedFeatures = changed;
+        }
+        updateTimer();
     }
 };
 
