@@ -30,9 +30,13 @@ IOTriggerWidget::IOTriggerWidget(const FeatureList& features, QWidget* parent)
     if (title.isEmpty())
         throw TENotSupported("IOTriggerWidget", "Trigger functionality not available, widget not constructed");
 
+    // An installed translator stays for the life of the application; one that
+    // found no file is not needed.
     QTranslator* translator = GetTranslator("tabextensiontriggerio");
     if (!translator->isEmpty())
         QApplication::installTranslator(translator);
+    else
+        delete translator;
 
     m_pCBLineRouting = nullptr;
     m_pComboInputLineSelector = nullptr;
