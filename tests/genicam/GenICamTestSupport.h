@@ -4,11 +4,12 @@
 #include "GenICamCamera.h"
 
 #include <QElapsedTimer>
-#include <QMutex>
 #include <QStringList>
 #include <QThread>
-#include <QWaitCondition>
 
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
 #include <string>
 
 inline QString modelPath(const QString& file)
@@ -35,7 +36,8 @@ inline std::string textOf(const OrvCPP::shared_ptr<OrvCPP::Feature>& feature)
 }
 
 // Records every FeatureChanged call: the feature's name, its value read back
-// inside the call, and the calling thread.
+// inside the call, and the calling thread. (std::mutex rather than QMutex:
+// ThreadSanitizer sees through the standard one.)
 class RecordingObserver : public OrvCPP::IFeatureObserver
 {
 public:
@@ -45,11 +47,11 @@ public:
         std::string value;
         feature->GetName(name);
         feature->GetValue(value); // calling back into the feature must be fine
-        QMutexLocker locker(&m_mutex);
+        std::lock_guard<std::mutex> locker(m_mutex);
         m_names << QString::fromStdString(name);
         m_values << QString::fromStdString(value);
         m_threads << QThread::currentThread();
-        m_changed.wakeAll();
+        m_changed.notify_all();
     }
 
     // Waits until name has been reported; returns the elapsed milliseconds or -1.
@@ -57,42 +59,38 @@ public:
     {
         QElapsedTimer timer;
         timer.start();
-        QMutexLocker locker(&m_mutex);
-        while (!m_names.contains(name)) {
-            const qint64 left = timeoutMs - timer.elapsed();
-            if (left <= 0)
-                return -1;
-            m_changed.wait(&m_mutex, static_cast<unsigned long>(left));
-        }
-        return timer.elapsed();
+        std::unique_lock<std::mutex> locker(m_mutex);
+        const bool seen = m_changed.wait_for(locker, std::chrono::milliseconds(timeoutMs),
+                                             [&] { return m_names.contains(name); });
+        return seen ? timer.elapsed() : -1;
     }
 
     QStringList names() const
     {
-        QMutexLocker locker(&m_mutex);
+        std::lock_guard<std::mutex> locker(m_mutex);
         return m_names;
     }
     QStringList values() const
     {
-        QMutexLocker locker(&m_mutex);
+        std::lock_guard<std::mutex> locker(m_mutex);
         return m_values;
     }
     QList<QThread*> threads() const
     {
-        QMutexLocker locker(&m_mutex);
+        std::lock_guard<std::mutex> locker(m_mutex);
         return m_threads;
     }
     void clear()
     {
-        QMutexLocker locker(&m_mutex);
+        std::lock_guard<std::mutex> locker(m_mutex);
         m_names.clear();
         m_values.clear();
         m_threads.clear();
     }
 
 private:
-    mutable QMutex m_mutex;
-    QWaitCondition m_changed;
+    mutable std::mutex m_mutex;
+    std::condition_variable m_changed;
     QStringList m_names;
     QStringList m_values;
     QList<QThread*> m_threads;
