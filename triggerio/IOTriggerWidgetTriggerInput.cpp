@@ -302,6 +302,8 @@ void IOTriggerWidget::updateLineSelector()
 
 void IOTriggerWidget::updateLineRouting()
 {
+    if (!m_pCBLineRouting)
+        return;
     m_pCBLineRouting->setChecked(m_pFeatureManager->GetStringValue("LineRouting") == "Trigger");
     m_pCBLineRouting->setEnabled(m_pFeatureManager->GetIsWritable("LineRouting"));
 }
