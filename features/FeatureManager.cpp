@@ -145,29 +145,25 @@ QString FeatureManager::GetStringValue(FeaturePtr feature)
     return QString::fromStdString(value);
 }
 
-template <typename T>
-void FeatureManager::GetValue(FeaturePtr feature, T* out)
+template <typename T> void FeatureManager::GetValue(FeaturePtr feature, T* out)
 {
     if (feature->GetValue(*out) != OrvErrorSuccess)
         *out = static_cast<T>(-1);
 }
 
-template <>
-void FeatureManager::GetValue<bool>(FeaturePtr feature, bool* out)
+template <> void FeatureManager::GetValue<bool>(FeaturePtr feature, bool* out)
 {
     if (feature->GetValue(*out) != OrvErrorSuccess)
         *out = false;
 }
 
-template <typename T>
-void FeatureManager::GetIncrement(FeaturePtr feature, T* out)
+template <typename T> void FeatureManager::GetIncrement(FeaturePtr feature, T* out)
 {
     if (feature->GetIncrement(*out) != OrvErrorSuccess)
         *out = static_cast<T>(-1);
 }
 
-template <typename T>
-void FeatureManager::GetRange(FeaturePtr feature, T* minimum, T* maximum)
+template <typename T> void FeatureManager::GetRange(FeaturePtr feature, T* minimum, T* maximum)
 {
     if (feature->GetRange(*minimum, *maximum) != OrvErrorSuccess)
     {
@@ -193,8 +189,7 @@ double FeatureManager::GetMaxValuefromIncrement(double minimum, double maximum, 
     return candidate < maximum ? candidate : maximum;
 }
 
-bool FeatureManager::ReadNumeric(FeaturePtr feature, double* value, double* minimum, double* maximum,
-                                 double* increment)
+bool FeatureManager::ReadNumeric(FeaturePtr feature, double* value, double* minimum, double* maximum, double* increment)
 {
     switch (GetDataType(feature))
     {
@@ -378,9 +373,9 @@ double FeatureManager::GetValueIsWritableRangeIncrement(const QString& name, con
     return GetValueIsWritableRangeIncrement(name, alt1, QString(), writable, minimum, maximum, increment);
 }
 
-double FeatureManager::GetValueIsWritableRangeIncrement(const QString& name, const QString& alt1,
-                                                        const QString& alt2, bool* writable, double* minimum,
-                                                        double* maximum, double* increment) const
+double FeatureManager::GetValueIsWritableRangeIncrement(const QString& name, const QString& alt1, const QString& alt2,
+                                                        bool* writable, double* minimum, double* maximum,
+                                                        double* increment) const
 {
     FeaturePtr feature = GetFeatureByName(name, alt1, alt2);
     if (!feature)
@@ -438,14 +433,13 @@ double FeatureManager::GetValueRange(const QString& name, double* minimum, doubl
     return GetValueRange(name, QString(), QString(), minimum, maximum);
 }
 
-double FeatureManager::GetValueRange(const QString& name, const QString& alt1, double* minimum,
-                                     double* maximum) const
+double FeatureManager::GetValueRange(const QString& name, const QString& alt1, double* minimum, double* maximum) const
 {
     return GetValueRange(name, alt1, QString(), minimum, maximum);
 }
 
-double FeatureManager::GetValueRange(const QString& name, const QString& alt1, const QString& alt2,
-                                     double* minimum, double* maximum) const
+double FeatureManager::GetValueRange(const QString& name, const QString& alt1, const QString& alt2, double* minimum,
+                                     double* maximum) const
 {
     FeaturePtr feature = GetFeatureByName(name, alt1, alt2);
     if (!feature)

@@ -44,12 +44,9 @@ public:
     static QStringList GetEnumEntries(FeaturePtr feature);
     static QString GetStringValue(FeaturePtr feature);
 
-    template <typename T>
-    static void GetValue(FeaturePtr feature, T* out);
-    template <typename T>
-    static void GetIncrement(FeaturePtr feature, T* out);
-    template <typename T>
-    static void GetRange(FeaturePtr feature, T* minimum, T* maximum);
+    template <typename T> static void GetValue(FeaturePtr feature, T* out);
+    template <typename T> static void GetIncrement(FeaturePtr feature, T* out);
+    template <typename T> static void GetRange(FeaturePtr feature, T* minimum, T* maximum);
 
     // Largest value on the grid minimum + k * increment that does not exceed maximum.
     static double GetMaxValuefromIncrement(double minimum, double maximum, double increment);
@@ -75,13 +72,12 @@ public:
     QString GetDisplayName(const QStringList& names) const;
     QString GetFeatureName(const QStringList& names) const;
 
-    double GetValueIsWritableRangeIncrement(const QString& name, bool* writable, double* minimum,
-                                            double* maximum, double* increment) const;
-    double GetValueIsWritableRangeIncrement(const QString& name, const QString& alt1, bool* writable,
-                                            double* minimum, double* maximum, double* increment) const;
-    double GetValueIsWritableRangeIncrement(const QString& name, const QString& alt1, const QString& alt2,
-                                            bool* writable, double* minimum, double* maximum,
+    double GetValueIsWritableRangeIncrement(const QString& name, bool* writable, double* minimum, double* maximum,
                                             double* increment) const;
+    double GetValueIsWritableRangeIncrement(const QString& name, const QString& alt1, bool* writable, double* minimum,
+                                            double* maximum, double* increment) const;
+    double GetValueIsWritableRangeIncrement(const QString& name, const QString& alt1, const QString& alt2,
+                                            bool* writable, double* minimum, double* maximum, double* increment) const;
 
     double GetValueRangeIncrement(const QString& name, double* minimum, double* maximum, double* increment) const;
     double GetValueRangeIncrement(const QString& name, const QString& alt1, double* minimum, double* maximum,
@@ -119,14 +115,12 @@ public:
 private:
     // Reads value, range and increment of a found feature; the shared body of the
     // combined range reads. Returns false for a type that has no numeric value.
-    static bool ReadNumeric(FeaturePtr feature, double* value, double* minimum, double* maximum,
-                            double* increment);
+    static bool ReadNumeric(FeaturePtr feature, double* value, double* minimum, double* maximum, double* increment);
 
     FeatureList m_pFeatures;
 };
 
 // A failed boolean read gives false rather than -1.
-template <>
-void FeatureManager::GetValue<bool>(FeaturePtr feature, bool* out);
+template <> void FeatureManager::GetValue<bool>(FeaturePtr feature, bool* out);
 
 #endif

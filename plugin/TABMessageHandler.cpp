@@ -1,5 +1,3 @@
 #include "TABMessageHandler.h"
 
-void TABMessageHandler(QtMsgType, const QMessageLogContext&, const QString&)
-{
-}
+void TABMessageHandler(QtMsgType, const QMessageLogContext&, const QString&) {}

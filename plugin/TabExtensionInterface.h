@@ -67,8 +67,7 @@ public:
     ~TabExtensionInterface() override = default;
 
     // Builds the tab for the camera into parent; 0 on success.
-    virtual TabExtensionResult get(const FeatureList& features, QWidget& parent,
-                                   QMap<QString, QVariant>* settings) = 0;
+    virtual TabExtensionResult get(const FeatureList& features, QWidget& parent, QMap<QString, QVariant>* settings) = 0;
     // Connects the tab's frame-rate reset request to the host.
     virtual bool connectToResetFps(QObject* receiver, const char* slot) = 0;
     // Connects the host's acquisition signal, one bool: true while acquiring.

@@ -12,8 +12,7 @@ class TabExtensionPlugin : public TabExtensionInterface
     Q_INTERFACES(TabExtensionInterface)
 
 public:
-    TabExtensionResult get(const FeatureList& features, QWidget& parent,
-                           QMap<QString, QVariant>* settings) override;
+    TabExtensionResult get(const FeatureList& features, QWidget& parent, QMap<QString, QVariant>* settings) override;
     bool connectToResetFps(QObject* receiver, const char* slot) override;
     bool connectFromAcquire(QObject* sender, const char* signal) override;
 

@@ -59,11 +59,27 @@ IOTriggerWidget::IOTriggerWidget(const FeatureList& features, QWidget* parent)
     m_nOptionalOutputs = GetOptionalOutputs(&m_OptionalOutputs);
 
     // "UserOutputSelector" is left out on purpose: the tab moves it itself.
-    m_ObservedFeatures << "TriggerActivation" << "TriggerSource" << "TriggerMode" << "TriggerSelector"
-                       << "AcquisitionFrameCount" << "AcquisitionMode" << "LineRouting" << "LineSelector"
-                       << "LineSource" << "SyncOutSource" << "LineInverter" << "SyncOutPolarity" << "LineStatus"
-                       << "SyncOutLevels" << "UserOutSelector" << "UserOutputValue" << "LineMode"
-                       << "LineOutSource" << "LineOutPolarity" << "LineOutLevels" << "ExposureMode"
+    m_ObservedFeatures << "TriggerActivation"
+                       << "TriggerSource"
+                       << "TriggerMode"
+                       << "TriggerSelector"
+                       << "AcquisitionFrameCount"
+                       << "AcquisitionMode"
+                       << "LineRouting"
+                       << "LineSelector"
+                       << "LineSource"
+                       << "SyncOutSource"
+                       << "LineInverter"
+                       << "SyncOutPolarity"
+                       << "LineStatus"
+                       << "SyncOutLevels"
+                       << "UserOutSelector"
+                       << "UserOutputValue"
+                       << "LineMode"
+                       << "LineOutSource"
+                       << "LineOutPolarity"
+                       << "LineOutLevels"
+                       << "ExposureMode"
                        << "ExposureAuto";
 
     ui.setupUi(this);
@@ -140,7 +156,8 @@ void IOTriggerWidget::updateInit()
 
     // Each rule refreshes with the controls' signals blocked, so that filling a
     // control never writes back to the camera. Several rules may fire in one pass.
-    auto refresh = [this](std::initializer_list<void (IOTriggerWidget::*)()> functions) {
+    auto refresh = [this](std::initializer_list<void (IOTriggerWidget::*)()> functions)
+    {
         SetConnectionsDisabled(true);
         for (auto function : functions)
             (this->*function)();
@@ -171,8 +188,7 @@ void IOTriggerWidget::updateInit()
         refresh({&IOTriggerWidget::updateExposureAuto});
     if (changed.contains("LineSource") || changed.contains("SyncOutSource") || changed.contains("LineOutSource"))
         refresh({&IOTriggerWidget::updateOutSource});
-    if (changed.contains("LineInverter") || changed.contains("SyncOutPolarity") ||
-        changed.contains("LineOutPolarity"))
+    if (changed.contains("LineInverter") || changed.contains("SyncOutPolarity") || changed.contains("LineOutPolarity"))
         refresh({&IOTriggerWidget::updateOutInvert});
     if (changed.contains("LineStatus"))
         refresh({&IOTriggerWidget::updateOutStatus, &IOTriggerWidget::updateOutInvert});
@@ -202,11 +218,11 @@ void IOTriggerWidget::rebuildOutputs()
     {
         const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
         // A row without user outputs has no widgets in columns 4 and 5.
-        for (QWidget* widget : {static_cast<QWidget*>(row->m_pComboSource.data()),
-                                static_cast<QWidget*>(row->m_pCBInvert.data()),
-                                static_cast<QWidget*>(row->m_pCBStatus.data()),
-                                static_cast<QWidget*>(row->m_pComboUserOutSelector.data()),
-                                static_cast<QWidget*>(row->m_pCBUserValue.data())})
+        for (QWidget* widget :
+             {static_cast<QWidget*>(row->m_pComboSource.data()), static_cast<QWidget*>(row->m_pCBInvert.data()),
+              static_cast<QWidget*>(row->m_pCBStatus.data()),
+              static_cast<QWidget*>(row->m_pComboUserOutSelector.data()),
+              static_cast<QWidget*>(row->m_pCBUserValue.data())})
         {
             if (widget)
                 ui.grid_Output->removeWidget(widget);

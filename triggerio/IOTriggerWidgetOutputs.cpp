@@ -8,7 +8,8 @@
 #include <QLabel>
 #include <QLineEdit>
 
-namespace {
+namespace
+{
 
 // The line selector of the camera's family, decided afresh by every output
 // function: the line family addresses its outputs through "LineSelector", the
@@ -25,7 +26,10 @@ struct OutputSelector
     }
 
     // False when neither family's selector can be read.
-    bool found() const { return !saved.isEmpty(); }
+    bool found() const
+    {
+        return !saved.isEmpty();
+    }
 
     // Points the selector at a line; an empty result means the write failed.
     QString select(const QString& line) const
@@ -35,7 +39,10 @@ struct OutputSelector
         return features->SetValue("LineOutSelector", "SyncOutSelector", line);
     }
 
-    QString restore() const { return select(saved); }
+    QString restore() const
+    {
+        return select(saved);
+    }
 
     const FeatureManager* features;
     QString saved;
@@ -81,7 +88,8 @@ int IOTriggerWidget::GetOutputs(QStringList* outputs)
         }
         // Put the selector back after every line.
         if (m_pFeatureManager->SetValue("LineSelector", saved).isEmpty())
-            qDebug() << "GetOutputs" << "Error: SetValue(LineSelector) retValue == ''";
+            qDebug() << "GetOutputs"
+                     << "Error: SetValue(LineSelector) retValue == ''";
     }
     return count;
 }
@@ -122,13 +130,15 @@ void IOTriggerWidget::createOutputLabels()
     QGridLayout* grid = ui.grid_Output;
 
     // The caption is the camera's own name of the source feature.
-    const QString sourceName =
-        m_pFeatureManager->GetFeatureName(QStringList() << "LineOutSource" << "SyncOutSource" << "LineSource");
+    const QString sourceName = m_pFeatureManager->GetFeatureName(QStringList() << "LineOutSource"
+                                                                               << "SyncOutSource"
+                                                                               << "LineSource");
     m_pLabelOutSource = new QLabel(sourceName + ":");
     grid->addWidget(m_pLabelOutSource, 0, 1, Qt::AlignLeft);
 
-    const QString invertName =
-        m_pFeatureManager->GetDisplayName(QStringList() << "SyncOutPolarity" << "LineOutPolarity" << "LineInverter");
+    const QString invertName = m_pFeatureManager->GetDisplayName(QStringList() << "SyncOutPolarity"
+                                                                               << "LineOutPolarity"
+                                                                               << "LineInverter");
     m_pLabelOutInvert = new QLabel(invertName.contains("Polarity") ? tr("Polarity:") : tr("Invert:"));
     grid->addWidget(m_pLabelOutInvert, 0, 2, Qt::AlignCenter);
 
@@ -216,9 +226,8 @@ void IOTriggerWidget::createOutput()
 
     if (m_pFeatureManager->GetIsFeatureAvailable("SyncOutLevels", "LineOutLevels"))
     {
-        m_pLabelSyncLevels =
-            new QLabel(m_pFeatureManager->GetIsFeatureAvailable("LineOutLevels") ? tr("LineOutLevels")
-                                                                                : tr("SyncLevels:"));
+        m_pLabelSyncLevels = new QLabel(m_pFeatureManager->GetIsFeatureAvailable("LineOutLevels") ? tr("LineOutLevels")
+                                                                                                  : tr("SyncLevels:"));
         grid->addWidget(m_pLabelSyncLevels, count + 1, 0, Qt::Alignment());
 
         m_pEditSyncLevels = new QLineEdit;
@@ -257,7 +266,8 @@ void IOTriggerWidget::updateOutSource()
             if (m_bUserOutputSelector && row->m_pCBUserValue)
                 row->m_pCBUserValue->setEnabled(source.contains("UserOutput"));
         }
-        qDebug() << "updateOutSource" << "SetValue('LineSelector') = " << selector.restore();
+        qDebug() << "updateOutSource"
+                 << "SetValue('LineSelector') = " << selector.restore();
     }
     else if (selector.found())
     {
@@ -271,7 +281,8 @@ void IOTriggerWidget::updateOutSource()
             row->m_pCBStatus->setEnabled(row->m_pComboSource->currentText() == "GPO" &&
                                          m_pFeatureManager->GetIsWritable("LineOutLevels", "SyncOutLevels"));
         }
-        qDebug() << "updateOutSource" << "SetValue('LineOutSelector', 'SyncOutSelector') = " << selector.restore();
+        qDebug() << "updateOutSource"
+                 << "SetValue('LineOutSelector', 'SyncOutSelector') = " << selector.restore();
     }
 
     if (m_bUserOutputSelector)
@@ -294,7 +305,8 @@ void IOTriggerWidget::updateOutInvert()
             row->m_pCBInvert->setChecked(m_pFeatureManager->GetValue("LineInverter") != 0.0);
             row->m_pCBInvert->setEnabled(m_pFeatureManager->GetIsWritable("LineInverter"));
         }
-        qDebug() << "updateOutInvert" << "SetValue('LineSelector') = " << selector.restore();
+        qDebug() << "updateOutInvert"
+                 << "SetValue('LineSelector') = " << selector.restore();
         return;
     }
 
@@ -311,7 +323,8 @@ void IOTriggerWidget::updateOutInvert()
                 row->m_pCBInvert->setEnabled(m_pFeatureManager->GetIsWritable("LineOutPolarity", "SyncOutPolarity"));
             }
         }
-        qDebug() << "updateOutInvert" << "SetValue('LineOutSelector', 'SyncOutSelector') = " << selector.restore();
+        qDebug() << "updateOutInvert"
+                 << "SetValue('LineOutSelector', 'SyncOutSelector') = " << selector.restore();
     }
 }
 
@@ -331,7 +344,8 @@ void IOTriggerWidget::updateOutStatus()
         row->m_pCBStatus->setEnabled(row->m_pComboSource->currentText() == "Direct" &&
                                      m_pFeatureManager->GetIsWritable("LineStatus"));
     }
-    qDebug() << "updateOutStatus" << "SetValue('LineSelector') = " << m_pFeatureManager->SetValue("LineSelector", saved);
+    qDebug() << "updateOutStatus"
+             << "SetValue('LineSelector') = " << m_pFeatureManager->SetValue("LineSelector", saved);
 }
 
 void IOTriggerWidget::OnComboOutSourceChanged(QString text)
@@ -353,7 +367,8 @@ void IOTriggerWidget::OnComboOutSourceChanged(QString text)
                 row->m_pCBUserValue->setEnabled(source.contains("UserOutput"));
         }
         if (selector.restore().isEmpty())
-            qDebug() << "OnComboOutSourceChanged" << "Error: setValue(LineSelector) returned ''";
+            qDebug() << "OnComboOutSourceChanged"
+                     << "Error: setValue(LineSelector) returned ''";
     }
     else if (selector.found())
     {
@@ -368,7 +383,8 @@ void IOTriggerWidget::OnComboOutSourceChanged(QString text)
                                          m_pFeatureManager->GetIsWritable("LineOutLevels", "SyncOutLevels"));
         }
         if (selector.restore().isEmpty())
-            qDebug() << "OnComboOutSourceChanged" << "Error: setValue(LineOutSelector) returned ''";
+            qDebug() << "OnComboOutSourceChanged"
+                     << "Error: setValue(LineOutSelector) returned ''";
     }
 
     if (m_bUserOutputSelector)
@@ -393,12 +409,15 @@ void IOTriggerWidget::OnCBOutInvertChanged(int)
             const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
             if (selector.select(m_Outputs.value(i)).isEmpty())
                 continue;
-            const double written = m_pFeatureManager->SetValue("LineInverter", row->m_pCBInvert->isChecked() ? 1.0 : 0.0);
+            const double written =
+                m_pFeatureManager->SetValue("LineInverter", row->m_pCBInvert->isChecked() ? 1.0 : 0.0);
             if (resultText(written).isEmpty())
-                qDebug() << "OnCBOutInvertChanged" << "LineInverter retValue == ''";
+                qDebug() << "OnCBOutInvertChanged"
+                         << "LineInverter retValue == ''";
         }
         if (selector.restore().isEmpty())
-            qDebug() << "OnCBOutInvertChanged" << "LineSelector retValue == ''";
+            qDebug() << "OnCBOutInvertChanged"
+                     << "LineSelector retValue == ''";
         updateOutStatus();
     }
     else if (selector.found())
@@ -410,10 +429,12 @@ void IOTriggerWidget::OnCBOutInvertChanged(int)
                 continue;
             const QString polarity = row->m_pCBInvert->isChecked() ? "Invert" : "Normal";
             if (m_pFeatureManager->SetValue("LineOutPolarity", "SyncOutPolarity", polarity).isEmpty())
-                qDebug() << "OnCBOutInvertChanged" << "LineOutPolarity retValue == ''";
+                qDebug() << "OnCBOutInvertChanged"
+                         << "LineOutPolarity retValue == ''";
         }
         if (selector.restore().isEmpty())
-            qDebug() << "OnCBOutInvertChanged" << "LineOutSelector retValue == ''";
+            qDebug() << "OnCBOutInvertChanged"
+                     << "LineOutSelector retValue == ''";
     }
 
     RegisterFeatureObserver(false);
@@ -436,10 +457,12 @@ void IOTriggerWidget::OnCBOutStatusChanged(int)
                 continue;
             const double written = m_pFeatureManager->SetValue("LineStatus", row->m_pCBStatus->isChecked() ? 1.0 : 0.0);
             if (resultText(written).isEmpty())
-                qDebug() << "OnCBOutStatusChanged" << "Error: SetValue(LineStatus) returned '' ";
+                qDebug() << "OnCBOutStatusChanged"
+                         << "Error: SetValue(LineStatus) returned '' ";
         }
         if (m_pFeatureManager->SetValue("LineSelector", saved).isEmpty())
-            qDebug() << "OnCBOutStatusChanged" << "Error: LineSelector retValue == ''";
+            qDebug() << "OnCBOutStatusChanged"
+                     << "Error: LineSelector retValue == ''";
     }
     else if (m_pFeatureManager->GetIsFeatureAvailable("LineOutLevels", "SyncOutLevels"))
     {
@@ -451,7 +474,8 @@ void IOTriggerWidget::OnCBOutStatusChanged(int)
                 mask |= quint32(1) << (i % 32);
         }
         if (m_pFeatureManager->SetValue("LineOutLevels", "SyncOutLevels", static_cast<double>(mask)) < 0)
-            qDebug() << "OnCBOutStatusChanged" << "Error: SetValue(LineOutLevels) retValue == ''";
+            qDebug() << "OnCBOutStatusChanged"
+                     << "Error: SetValue(LineOutLevels) retValue == ''";
         if (m_pEditSyncLevels)
             m_pEditSyncLevels->setText(QString::number(mask));
     }

@@ -11,7 +11,8 @@
 // own variant with its own value names; a value a camera does not offer is
 // simply not selected.
 
-namespace {
+namespace
+{
 
 // Lets queued notifications, timer ticks and repaints run between two writes.
 void processEvents()

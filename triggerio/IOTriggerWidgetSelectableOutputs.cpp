@@ -30,7 +30,8 @@ int IOTriggerWidget::GetOptionalOutputs(QStringList* outputs)
             }
         }
         if (m_pFeatureManager->SetValue("LineSelector", saved).isEmpty())
-            qDebug() << "GetOptionalOutputs" << "Error: SetValue(LineSelector) retValue == ''";
+            qDebug() << "GetOptionalOutputs"
+                     << "Error: SetValue(LineSelector) retValue == ''";
     }
     return count;
 }
@@ -43,14 +44,14 @@ void IOTriggerWidget::createOptionalOutputs()
     // of both groups take the same widths.
     QString sourceText;
     if (m_pFeatureManager->GetIsFeatureAvailable("SynOutSource", "LineOutSource"))
-        sourceText = m_pFeatureManager->GetIsFeatureAvailable("LineOutSource") ? tr("LineOutSource:")
-                                                                                : tr("SyncOutSource:");
+        sourceText =
+            m_pFeatureManager->GetIsFeatureAvailable("LineOutSource") ? tr("LineOutSource:") : tr("SyncOutSource:");
     else
         sourceText = tr("LineSource:");
     QLabel* source = new QLabel(sourceText);
-    QLabel* invert = new QLabel(m_pFeatureManager->GetIsFeatureAvailable("SynOutPolarity", "LineOutPolarity")
-                                    ? tr("Polarity:")
-                                    : tr("Invert:"));
+    QLabel* invert =
+        new QLabel(m_pFeatureManager->GetIsFeatureAvailable("SynOutPolarity", "LineOutPolarity") ? tr("Polarity:")
+                                                                                                 : tr("Invert:"));
     QLabel* status = new QLabel(tr("Status:"));
     QLabel* userOutSelector = new QLabel(tr("UserOutSel.:"));
     QLabel* userValue = new QLabel(tr("User Value:"));
@@ -118,5 +119,6 @@ void IOTriggerWidget::OnComboOptionalOutChanged(QString text)
             OnComboChanged("LineMode", QString::fromLatin1(combo->currentText().toLatin1()));
     }
     if (m_pFeatureManager->SetValue("LineSelector", saved).isEmpty())
-        qDebug() << "OnComboOptionalOutChanged" << "Error: SetValue(LineSelector) retValue == ''";
+        qDebug() << "OnComboOptionalOutChanged"
+                 << "Error: SetValue(LineSelector) retValue == ''";
 }

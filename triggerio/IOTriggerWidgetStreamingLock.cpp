@@ -5,7 +5,8 @@
 #include <QPushButton>
 #include <QSpinBox>
 
-namespace {
+namespace
+{
 
 void block(QObject* object, bool disabled)
 {

@@ -14,7 +14,8 @@
 #include <climits>
 #include <cmath>
 
-namespace {
+namespace
+{
 
 // Numbers of the camera as spin box values: truncated toward zero, saturated
 // at the 32-bit limits.
@@ -211,8 +212,7 @@ void IOTriggerWidget::createTriggerInput()
             SLOT(OnComboTriggerActivationChanged(QString)));
     connect(m_pComboTriggerSelector, SIGNAL(currentIndexChanged(QString)), this,
             SLOT(OnComboTriggerSelectorChanged(QString)));
-    connect(m_pComboTriggerMode, SIGNAL(currentIndexChanged(QString)), this,
-            SLOT(OnComboTriggerModeChanged(QString)));
+    connect(m_pComboTriggerMode, SIGNAL(currentIndexChanged(QString)), this, SLOT(OnComboTriggerModeChanged(QString)));
     connect(m_pComboAcquisitionMode, SIGNAL(currentIndexChanged(QString)), this,
             SLOT(OnComboAcquisitionModeChanged(QString)));
     connect(m_pSpinAcquisitionFrameCount, SIGNAL(valueChanged(int)), this,
@@ -359,7 +359,8 @@ QString IOTriggerWidget::GetFirstInput()
             }
         }
         if (m_pFeatureManager->SetValue("LineSelector", saved).isEmpty())
-            qDebug() << "GetFirstInput" << "Error: SetValue(LineSelector) retValue == ''";
+            qDebug() << "GetFirstInput"
+                     << "Error: SetValue(LineSelector) retValue == ''";
     }
     return result;
 }

@@ -77,7 +77,8 @@ void IOTriggerWidget::updateUserOutValue()
             row->m_pCBUserValue->setChecked(m_pFeatureManager->GetValue("UserOutputValue") != 0.0);
     }
     if (m_pFeatureManager->SetValue("UserOutputSelector", saved).isEmpty())
-        qDebug() << "updateUserOutValue" << "Error: SetValue(UserOutputSelector) retValue == ''";
+        qDebug() << "updateUserOutValue"
+                 << "Error: SetValue(UserOutputSelector) retValue == ''";
 
     for (const QSharedPointer<OutputRow>& row : qAsConst(m_OutputRows))
     {
@@ -103,12 +104,14 @@ void IOTriggerWidget::SetOnCBOutUserValueChanged(int row, int state)
         const double written = m_pFeatureManager->SetValue("UserOutputValue", static_cast<double>(state));
         retValue = QString(QChar(static_cast<ushort>(static_cast<int>(written) & 0xFF)));
         if (retValue.isEmpty())
-            qDebug() << "SetOnCBOutUserValueChanged" << "Error: SetValue(UserOutputValue) retValue == ''";
+            qDebug() << "SetOnCBOutUserValueChanged"
+                     << "Error: SetValue(UserOutputValue) retValue == ''";
     }
     m_pFeatureManager->SetValue("UserOutputSelector", saved);
     // Tells about the selector write above, not about the restore.
     if (retValue.isEmpty())
-        qDebug() << "SetOnCBOutUserValueChanged" << "Error: SetValue(UserOutputSelector) retValue == ''";
+        qDebug() << "SetOnCBOutUserValueChanged"
+                 << "Error: SetValue(UserOutputSelector) retValue == ''";
 }
 
 void IOTriggerWidget::OnCBOutUserValueChanged(int row, int state)

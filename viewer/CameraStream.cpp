@@ -5,7 +5,8 @@
 
 #include "GenICamCamera.h"
 
-namespace {
+namespace
+{
 
 const int BufferCount = 8;
 
@@ -37,32 +38,34 @@ bool CameraStream::start(QString* error)
     if (m_stream)
         return true;
     QString reason;
-    const bool open = m_camera->withAravisDevice([&](ArvDevice* device) {
-        GError* gerror = nullptr;
-        // Over loopback the packet socket sees nothing; small frames avoid packet loss.
-        if (ARV_IS_GV_DEVICE(device))
-            arv_gv_device_set_stream_options(ARV_GV_DEVICE(device), ARV_GV_STREAM_OPTION_PACKET_SOCKET_DISABLED);
-        const gint64 payload = arv_device_get_integer_feature_value(device, "PayloadSize", &gerror);
-        if (gerror || payload <= 0)
+    const bool open = m_camera->withAravisDevice(
+        [&](ArvDevice* device)
         {
-            reason = QStringLiteral("no payload size: ") + takeMessage(gerror);
-            return;
-        }
-        m_stream = arv_device_create_stream(device, nullptr, nullptr, &gerror);
-        if (!m_stream)
-        {
-            reason = QStringLiteral("no stream: ") + takeMessage(gerror);
-            return;
-        }
-        for (int i = 0; i < BufferCount; ++i)
-            arv_stream_push_buffer(m_stream, arv_buffer_new(static_cast<size_t>(payload), nullptr));
-        arv_device_execute_command(device, "AcquisitionStart", &gerror);
-        if (gerror)
-        {
-            reason = QStringLiteral("AcquisitionStart failed: ") + takeMessage(gerror);
-            g_clear_object(&m_stream);
-        }
-    });
+            GError* gerror = nullptr;
+            // Over loopback the packet socket sees nothing; small frames avoid packet loss.
+            if (ARV_IS_GV_DEVICE(device))
+                arv_gv_device_set_stream_options(ARV_GV_DEVICE(device), ARV_GV_STREAM_OPTION_PACKET_SOCKET_DISABLED);
+            const gint64 payload = arv_device_get_integer_feature_value(device, "PayloadSize", &gerror);
+            if (gerror || payload <= 0)
+            {
+                reason = QStringLiteral("no payload size: ") + takeMessage(gerror);
+                return;
+            }
+            m_stream = arv_device_create_stream(device, nullptr, nullptr, &gerror);
+            if (!m_stream)
+            {
+                reason = QStringLiteral("no stream: ") + takeMessage(gerror);
+                return;
+            }
+            for (int i = 0; i < BufferCount; ++i)
+                arv_stream_push_buffer(m_stream, arv_buffer_new(static_cast<size_t>(payload), nullptr));
+            arv_device_execute_command(device, "AcquisitionStart", &gerror);
+            if (gerror)
+            {
+                reason = QStringLiteral("AcquisitionStart failed: ") + takeMessage(gerror);
+                g_clear_object(&m_stream);
+            }
+        });
     if (!open)
         reason = QStringLiteral("no camera open");
     if (!m_stream)
@@ -81,11 +84,13 @@ void CameraStream::stop()
     m_timer.stop();
     if (!m_stream)
         return;
-    m_camera->withAravisDevice([](ArvDevice* device) {
-        GError* error = nullptr;
-        arv_device_execute_command(device, "AcquisitionStop", &error);
-        g_clear_error(&error);
-    });
+    m_camera->withAravisDevice(
+        [](ArvDevice* device)
+        {
+            GError* error = nullptr;
+            arv_device_execute_command(device, "AcquisitionStop", &error);
+            g_clear_error(&error);
+        });
     g_clear_object(&m_stream);
 }
 
@@ -113,8 +118,7 @@ void CameraStream::collect()
             QImage image;
             // Shown as 8-bit grey; other formats still count as frames.
             if (data && width > 0 && height > 0 && size >= static_cast<size_t>(width) * height)
-                image = QImage(static_cast<const uchar*>(data), width, height, width, QImage::Format_Grayscale8)
-                            .copy();
+                image = QImage(static_cast<const uchar*>(data), width, height, width, QImage::Format_Grayscale8).copy();
             emit frameReceived(image, m_frames);
         }
         arv_stream_push_buffer(m_stream, buffer);

@@ -77,8 +77,8 @@ int ViewerWindow::addTabs(const QString& pluginFolder)
             continue;
         }
         // The plug-in names its page through the page's accessible name.
-        const QString title = page->accessibleName().isEmpty() ? plugin->metaObject()->className()
-                                                               : page->accessibleName();
+        const QString title =
+            page->accessibleName().isEmpty() ? plugin->metaObject()->className() : page->accessibleName();
         m_tabs->addTab(page, title);
         ++added;
     }

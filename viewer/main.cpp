@@ -17,7 +17,8 @@
 
 #include <cstdio>
 
-namespace {
+namespace
+{
 
 // The plug-ins install a message handler that swallows Qt's messages, so the
 // viewer writes its own messages straight to the terminal.
@@ -106,14 +107,16 @@ int main(int argc, char** argv)
 
     if (!screenshot.isEmpty())
     {
-        QTimer::singleShot(after, &window, [&window, &screenshot]() {
-            const bool saved = window.grab().save(screenshot, "PNG");
-            if (saved)
-                say(stdout, "Screenshot written to " + screenshot);
-            else
-                say(stderr, "triggerio-viewer: cannot write " + screenshot);
-            QApplication::exit(saved ? 0 : 4);
-        });
+        QTimer::singleShot(after, &window,
+                           [&window, &screenshot]()
+                           {
+                               const bool saved = window.grab().save(screenshot, "PNG");
+                               if (saved)
+                                   say(stdout, "Screenshot written to " + screenshot);
+                               else
+                                   say(stderr, "triggerio-viewer: cannot write " + screenshot);
+                               QApplication::exit(saved ? 0 : 4);
+                           });
     }
     return app.exec();
 }

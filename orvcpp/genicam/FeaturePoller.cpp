@@ -45,7 +45,8 @@ void FeaturePoller::State::run(std::shared_ptr<State> self)
     // FeaturePoller) may be destroyed on this very thread when it drops the
     // last reference to a feature.
     std::unique_lock<std::mutex> lock(self->mutex);
-    while (!self->stop) {
+    while (!self->stop)
+    {
         self->wake.wait_for(lock, std::chrono::milliseconds(self->periodMs),
                             [&] { return self->stop || self->pollRequested; });
         if (self->stop)
@@ -62,9 +63,11 @@ void FeaturePoller::State::pollOnce()
     std::vector<std::pair<const GenICamFeature*, std::shared_ptr<GenICamFeature>>> observed;
     {
         std::lock_guard<std::mutex> lock(mutex);
-        for (auto it = entries.begin(); it != entries.end();) {
+        for (auto it = entries.begin(); it != entries.end();)
+        {
             auto feature = it->second.feature.lock();
-            if (!feature) {
+            if (!feature)
+            {
                 it = entries.erase(it);
                 continue;
             }
@@ -80,7 +83,8 @@ void FeaturePoller::State::pollOnce()
         std::vector<ObserverPtr> observers;
     };
     std::vector<Change> changes;
-    for (auto& item : observed) {
+    for (auto& item : observed)
+    {
         if (stop)
             return;
         // Takes and releases the device lock.
@@ -93,17 +97,18 @@ void FeaturePoller::State::pollOnce()
         changes.push_back({item.first, item.second, it->second.observers});
     }
 
-    for (const Change& change : changes) {
+    for (const Change& change : changes)
+    {
         const std::shared_ptr<OrvCPP::Feature> feature = change.feature;
-        for (const ObserverPtr& observer : change.observers) {
+        for (const ObserverPtr& observer : change.observers)
+        {
             {
                 std::lock_guard<std::mutex> lock(mutex);
                 if (stop)
                     return;
                 auto it = entries.find(change.key);
-                if (it == entries.end()
-                    || std::find(it->second.observers.begin(), it->second.observers.end(), observer)
-                           == it->second.observers.end())
+                if (it == entries.end() || std::find(it->second.observers.begin(), it->second.observers.end(),
+                                                     observer) == it->second.observers.end())
                     continue; // unregistered in the meantime
                 deliveringFeature = change.key;
                 deliveringObserver = observer.get();
@@ -119,7 +124,8 @@ void FeaturePoller::State::pollOnce()
     }
 }
 
-FeaturePoller::FeaturePoller() : m_state(std::make_shared<State>())
+FeaturePoller::FeaturePoller()
+    : m_state(std::make_shared<State>())
 {
 }
 
@@ -135,7 +141,8 @@ FeaturePoller::~FeaturePoller()
     }
     m_state->wake.notify_all();
     m_state->delivered.notify_all();
-    if (thread.joinable()) {
+    if (thread.joinable())
+    {
         if (thread.get_id() == std::this_thread::get_id())
             thread.detach(); // the thread ends by itself and owns its state
         else
@@ -166,7 +173,8 @@ OrvErrorType FeaturePoller::registerObserver(const std::shared_ptr<GenICamFeatur
     {
         std::lock_guard<std::mutex> lock(m_state->mutex);
         auto it = m_state->entries.find(feature.get());
-        if (it != m_state->entries.end()) {
+        if (it != m_state->entries.end())
+        {
             auto& observers = it->second.observers;
             if (std::find(observers.begin(), observers.end(), observer) != observers.end())
                 return OrvErrorInvalidCall;
@@ -179,7 +187,8 @@ OrvErrorType FeaturePoller::registerObserver(const std::shared_ptr<GenICamFeatur
     if (m_state->stop)
         return OrvErrorDeviceLost;
     auto it = m_state->entries.find(feature.get());
-    if (it == m_state->entries.end()) {
+    if (it == m_state->entries.end())
+    {
         State::Entry entry;
         entry.feature = feature;
         entry.last = now;
@@ -189,7 +198,8 @@ OrvErrorType FeaturePoller::registerObserver(const std::shared_ptr<GenICamFeatur
     if (std::find(observers.begin(), observers.end(), observer) != observers.end())
         return OrvErrorInvalidCall; // registered by another thread meanwhile
     observers.push_back(observer);
-    if (!m_state->thread.joinable()) {
+    if (!m_state->thread.joinable())
+    {
         m_state->thread = std::thread(&State::run, m_state);
         m_state->threadId = m_state->thread.get_id();
     }
@@ -212,12 +222,14 @@ OrvErrorType FeaturePoller::unregisterObserver(const GenICamFeature* feature, co
     if (observers.empty())
         m_state->entries.erase(it);
 
-    if (std::this_thread::get_id() != m_state->threadId) {
+    if (std::this_thread::get_id() != m_state->threadId)
+    {
         State* state = m_state.get();
-        state->delivered.wait(lock, [&] {
-            return state->stop || state->deliveringFeature != feature
-                || state->deliveringObserver != observer.get();
-        });
+        state->delivered.wait(lock,
+                              [&] {
+                                  return state->stop || state->deliveringFeature != feature ||
+                                         state->deliveringObserver != observer.get();
+                              });
     }
     return OrvErrorSuccess;
 }

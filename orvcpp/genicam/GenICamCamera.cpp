@@ -15,7 +15,8 @@
 #include <mutex>
 #include <set>
 
-namespace {
+namespace
+{
 
 // Aravis's device list and the fake camera's file name are process-wide.
 std::mutex& aravisGlobalLock()
@@ -35,14 +36,16 @@ void collectFeatures(const std::shared_ptr<GenICamDevice>& device, ArvGcCategory
 {
     if (!visitedCategories.insert(categoryName).second)
         return; // a category listed twice, or a loop in a broken description
-    for (const GSList* item = arv_gc_category_get_features(category); item; item = item->next) {
+    for (const GSList* item = arv_gc_category_get_features(category); item; item = item->next)
+    {
         const char* name = static_cast<const char*>(item->data);
         if (!name)
             continue;
         ArvGcNode* node = arv_gc_get_node(device->genicam(), name);
         if (!node)
             continue;
-        if (ARV_IS_GC_CATEGORY(node)) {
+        if (ARV_IS_GC_CATEGORY(node))
+        {
             collectFeatures(device, ARV_GC_CATEGORY(node), name, seen, visitedCategories, out);
             continue;
         }
@@ -64,7 +67,8 @@ QStringList GenICamCamera::deviceIds()
     arv_update_device_list();
     QStringList ids;
     const unsigned int count = arv_get_n_devices();
-    for (unsigned int i = 0; i < count; ++i) {
+    for (unsigned int i = 0; i < count; ++i)
+    {
         const char* id = arv_get_device_id(i);
         if (id)
             ids << QString::fromUtf8(id);
@@ -95,12 +99,12 @@ OrvErrorType GenICamCamera::openFake(const QString& path, ArvDevice*& device)
     while (!reader.atEnd())
         reader.readNext();
     if (reader.hasError() || xml.trimmed().isEmpty())
-        return fail(OrvErrorInvalidValue, QStringLiteral("GenICam file is not well-formed XML: '%1' (line %2, column %3: %4)")
-                                              .arg(path)
-                                              .arg(reader.lineNumber())
-                                              .arg(reader.columnNumber())
-                                              .arg(xml.trimmed().isEmpty() ? QStringLiteral("empty file")
-                                                                           : reader.errorString()));
+        return fail(OrvErrorInvalidValue,
+                    QStringLiteral("GenICam file is not well-formed XML: '%1' (line %2, column %3: %4)")
+                        .arg(path)
+                        .arg(reader.lineNumber())
+                        .arg(reader.columnNumber())
+                        .arg(xml.trimmed().isEmpty() ? QStringLiteral("empty file") : reader.errorString()));
 
     // Let Aravis parse it once on its own first: the fake device does not
     // report a broken description, it would run without features.
@@ -122,7 +126,8 @@ OrvErrorType GenICamCamera::openFake(const QString& path, ArvDevice*& device)
         device = arv_fake_device_new(serialNumber.constData(), &error);
         arv_set_fake_camera_genicam_filename(nullptr);
     }
-    if (!device) {
+    if (!device)
+    {
         const QString reason = messageOf(error);
         if (error)
             g_error_free(error);
@@ -143,12 +148,14 @@ OrvErrorType GenICamCamera::openAravis(const QString& id, ArvDevice*& device)
         std::lock_guard<std::mutex> lock(aravisGlobalLock());
         device = arv_open_device(id.toUtf8().constData(), &error);
     }
-    if (device) {
+    if (device)
+    {
         if (error)
             g_error_free(error);
         // Aravis opens a GigE Vision camera that another program controls in
         // monitor mode; its writes would time out. Refuse it instead.
-        if (ARV_IS_GV_DEVICE(device) && !arv_gv_device_is_controller(ARV_GV_DEVICE(device))) {
+        if (ARV_IS_GV_DEVICE(device) && !arv_gv_device_is_controller(ARV_GV_DEVICE(device)))
+        {
             g_object_unref(device);
             device = nullptr;
             return fail(OrvErrorInvalidAccess,
@@ -157,20 +164,19 @@ OrvErrorType GenICamCamera::openAravis(const QString& id, ArvDevice*& device)
         return OrvErrorSuccess;
     }
     const QString reason = messageOf(error);
-    const bool inUse = error && error->domain == ARV_DEVICE_ERROR
-        && (error->code == ARV_DEVICE_ERROR_NOT_CONTROLLER
-            || error->code == ARV_DEVICE_ERROR_PROTOCOL_ERROR_ACCESS_DENIED
-            || error->code == ARV_DEVICE_ERROR_PROTOCOL_ERROR_BUSY);
-    const bool notFound = !error
-        || (error->domain == ARV_DEVICE_ERROR && error->code == ARV_DEVICE_ERROR_NOT_FOUND);
+    const bool inUse = error && error->domain == ARV_DEVICE_ERROR &&
+                       (error->code == ARV_DEVICE_ERROR_NOT_CONTROLLER ||
+                        error->code == ARV_DEVICE_ERROR_PROTOCOL_ERROR_ACCESS_DENIED ||
+                        error->code == ARV_DEVICE_ERROR_PROTOCOL_ERROR_BUSY);
+    const bool notFound = !error || (error->domain == ARV_DEVICE_ERROR && error->code == ARV_DEVICE_ERROR_NOT_FOUND);
     if (error)
         g_error_free(error);
     if (inUse)
         return fail(OrvErrorInvalidAccess,
                     QStringLiteral("Device '%1' is in use by another program: %2").arg(id, reason));
     if (notFound)
-        return fail(OrvErrorNotFound, QStringLiteral("No device with id '%1'%2")
-                                          .arg(id, reason.isEmpty() ? QString() : ": " + reason));
+        return fail(OrvErrorNotFound,
+                    QStringLiteral("No device with id '%1'%2").arg(id, reason.isEmpty() ? QString() : ": " + reason));
     return fail(OrvErrorInternalFault, QStringLiteral("Device '%1' could not be opened: %2").arg(id, reason));
 }
 
@@ -181,12 +187,13 @@ OrvErrorType GenICamCamera::open(const QString& id)
 
     ArvDevice* device = nullptr;
     const OrvErrorType code = id.startsWith(QLatin1String(FakePrefix))
-        ? openFake(id.mid(int(qstrlen(FakePrefix))), device)
-        : openAravis(id, device);
+                                  ? openFake(id.mid(int(qstrlen(FakePrefix))), device)
+                                  : openAravis(id, device);
     if (code != OrvErrorSuccess)
         return code;
 
-    if (!arv_device_get_genicam(device)) {
+    if (!arv_device_get_genicam(device))
+    {
         g_object_unref(device);
         return fail(OrvErrorInvalidValue, QStringLiteral("Device '%1' has no GenICam description").arg(id));
     }

@@ -4,7 +4,8 @@
 
 #include <arv.h>
 
-namespace {
+namespace
+{
 
 // "control-lost" is emitted by Aravis's heartbeat thread of a GigE Vision device.
 void onControlLost(ArvDevice*, gpointer userData)
@@ -15,8 +16,10 @@ void onControlLost(ArvDevice*, gpointer userData)
 } // namespace
 
 GenICamDevice::GenICamDevice(ArvDevice* device, const std::string& id)
-    : m_device(device), m_genicam(arv_device_get_genicam(device)), m_id(id),
-      m_poller(new FeaturePoller)
+    : m_device(device)
+    , m_genicam(arv_device_get_genicam(device))
+    , m_id(id)
+    , m_poller(new FeaturePoller)
 {
     // Writes to read-only features must fail, and values outside the range too;
     // registers are read from the device every time so that changes made by the
@@ -42,8 +45,10 @@ OrvErrorType GenICamDevice::takeError(GError* error)
         return OrvErrorSuccess;
 
     OrvErrorType code = OrvErrorInternalFault;
-    if (error->domain == ARV_DEVICE_ERROR) {
-        switch (error->code) {
+    if (error->domain == ARV_DEVICE_ERROR)
+    {
+        switch (error->code)
+        {
         case ARV_DEVICE_ERROR_NOT_CONNECTED:
         case ARV_DEVICE_ERROR_TRANSFER_ERROR:
         case ARV_DEVICE_ERROR_TIMEOUT:
@@ -76,8 +81,11 @@ OrvErrorType GenICamDevice::takeError(GError* error)
         default:
             code = OrvErrorInternalFault;
         }
-    } else if (error->domain == ARV_GC_ERROR) {
-        switch (error->code) {
+    }
+    else if (error->domain == ARV_GC_ERROR)
+    {
+        switch (error->code)
+        {
         case ARV_GC_ERROR_OUT_OF_RANGE:
         case ARV_GC_ERROR_ENUM_ENTRY_NOT_FOUND:
         case ARV_GC_ERROR_INVALID_SYNTAX:
@@ -102,7 +110,9 @@ OrvErrorType GenICamDevice::takeError(GError* error)
             // Includes chunk data read without a received buffer.
             code = OrvErrorInvalidAccess;
         }
-    } else {
+    }
+    else
+    {
         // Chunk parser and other library errors: the value cannot be read now.
         code = OrvErrorInvalidAccess;
     }

@@ -30,14 +30,35 @@ public:
     GenICamDevice(const GenICamDevice&) = delete;
     GenICamDevice& operator=(const GenICamDevice&) = delete;
 
-    const std::string& id() const { return m_id; }
-    std::mutex& lock() { return m_lock; }
-    ArvDevice* device() const { return m_device; }
-    ArvGc* genicam() const { return m_genicam; }
-    FeaturePoller& poller() { return *m_poller; }
+    const std::string& id() const
+    {
+        return m_id;
+    }
+    std::mutex& lock()
+    {
+        return m_lock;
+    }
+    ArvDevice* device() const
+    {
+        return m_device;
+    }
+    ArvGc* genicam() const
+    {
+        return m_genicam;
+    }
+    FeaturePoller& poller()
+    {
+        return *m_poller;
+    }
 
-    bool isLost() const { return m_lost.load(); }
-    void markLost() { m_lost.store(true); }
+    bool isLost() const
+    {
+        return m_lost.load();
+    }
+    void markLost()
+    {
+        m_lost.store(true);
+    }
 
     // Maps an Aravis error to the camera API's code and frees it; marks the
     // device lost when the error says the device no longer answers.

@@ -11,7 +11,8 @@
 #include <limits>
 #include <vector>
 
-namespace {
+namespace
+{
 
 OrvFeatureDataType typeOf(ArvGcFeatureNode* node)
 {
@@ -39,7 +40,8 @@ std::string toHex(const std::vector<unsigned char>& bytes)
     static const char digits[] = "0123456789abcdef";
     std::string text;
     text.reserve(bytes.size() * 2);
-    for (unsigned char byte : bytes) {
+    for (unsigned char byte : bytes)
+    {
         text += digits[byte >> 4];
         text += digits[byte & 0x0f];
     }
@@ -48,7 +50,8 @@ std::string toHex(const std::vector<unsigned char>& bytes)
 
 bool fromHex(const char* text, std::vector<unsigned char>& bytes)
 {
-    auto nibble = [](char c) -> int {
+    auto nibble = [](char c) -> int
+    {
         if (c >= '0' && c <= '9')
             return c - '0';
         if (c >= 'a' && c <= 'f')
@@ -58,7 +61,8 @@ bool fromHex(const char* text, std::vector<unsigned char>& bytes)
         return -1;
     };
     bytes.clear();
-    for (const char* p = text; *p; p += 2) {
+    for (const char* p = text; *p; p += 2)
+    {
         const int high = nibble(p[0]);
         const int low = p[1] ? nibble(p[1]) : -1;
         if (high < 0 || low < 0)
@@ -79,7 +83,10 @@ std::string formatDouble(double value)
 
 GenICamFeature::GenICamFeature(std::shared_ptr<GenICamDevice> device, ArvGcFeatureNode* node,
                                const std::string& category)
-    : m_device(std::move(device)), m_node(node), m_type(typeOf(node)), m_category(category)
+    : m_device(std::move(device))
+    , m_node(node)
+    , m_type(typeOf(node))
+    , m_category(category)
 {
     const char* name = arv_gc_feature_node_get_name(node);
     m_name = name ? name : "";
@@ -89,8 +96,7 @@ GenICamFeature::GenICamFeature(std::shared_ptr<GenICamDevice> device, ArvGcFeatu
 
 GenICamFeature::~GenICamFeature() = default;
 
-template <typename Call>
-OrvErrorType GenICamFeature::withDevice(Call call)
+template <typename Call> OrvErrorType GenICamFeature::withDevice(Call call)
 {
     if (m_device->isLost())
         return OrvErrorDeviceLost;
@@ -100,13 +106,14 @@ OrvErrorType GenICamFeature::withDevice(Call call)
     return call();
 }
 
-template <typename Call>
-OrvErrorType GenICamFeature::write(Call call)
+template <typename Call> OrvErrorType GenICamFeature::write(Call call)
 {
-    const OrvErrorType code = withDevice([&]() -> OrvErrorType {
-        const OrvErrorType access = checkWritable();
-        return access != OrvErrorSuccess ? access : call();
-    });
+    const OrvErrorType code = withDevice(
+        [&]() -> OrvErrorType
+        {
+            const OrvErrorType access = checkWritable();
+            return access != OrvErrorSuccess ? access : call();
+        });
     // A write may change other features too (selectors, locks): let the
     // observers know without waiting for the next period.
     if (code == OrvErrorSuccess)
@@ -179,22 +186,25 @@ OrvErrorType GenICamFeature::GetDataType(OrvFeatureDataType& dataType)
 
 OrvErrorType GenICamFeature::IsWritable(bool& writable)
 {
-    return withDevice([&]() -> OrvErrorType {
-        const OrvErrorType code = checkWritable();
-        if (code != OrvErrorSuccess && code != OrvErrorInvalidAccess)
-            return code;
-        writable = code == OrvErrorSuccess;
-        return OrvErrorSuccess;
-    });
+    return withDevice(
+        [&]() -> OrvErrorType
+        {
+            const OrvErrorType code = checkWritable();
+            if (code != OrvErrorSuccess && code != OrvErrorInvalidAccess)
+                return code;
+            writable = code == OrvErrorSuccess;
+            return OrvErrorSuccess;
+        });
 }
 
 OrvErrorType GenICamFeature::findEntry(const char* value, ArvGcFeatureNode*& entry)
 {
-    for (const GSList* item = arv_gc_enumeration_get_entries(ARV_GC_ENUMERATION(m_node)); item;
-         item = item->next) {
+    for (const GSList* item = arv_gc_enumeration_get_entries(ARV_GC_ENUMERATION(m_node)); item; item = item->next)
+    {
         auto* node = static_cast<ArvGcFeatureNode*>(item->data);
         const char* name = arv_gc_feature_node_get_name(node);
-        if (name && g_strcmp0(name, value) == 0) {
+        if (name && g_strcmp0(name, value) == 0)
+        {
             entry = node;
             return OrvErrorSuccess;
         }
@@ -208,38 +218,43 @@ OrvErrorType GenICamFeature::IsValueAvailable(const char* value, bool& available
         return OrvErrorBadParameter;
     if (m_type != OrvFeatureDataEnum)
         return OrvErrorWrongType;
-    return withDevice([&]() -> OrvErrorType {
-        ArvGcFeatureNode* entry = nullptr;
-        OrvErrorType code = findEntry(value, entry);
-        if (code != OrvErrorSuccess)
-            return code;
-        GError* error = nullptr;
-        const bool isAvailable = arv_gc_feature_node_is_available(entry, &error);
-        if (error)
-            return m_device->takeError(error);
-        const bool implemented = arv_gc_feature_node_is_implemented(entry, &error);
-        if (error)
-            return m_device->takeError(error);
-        available = isAvailable && implemented;
-        return OrvErrorSuccess;
-    });
+    return withDevice(
+        [&]() -> OrvErrorType
+        {
+            ArvGcFeatureNode* entry = nullptr;
+            OrvErrorType code = findEntry(value, entry);
+            if (code != OrvErrorSuccess)
+                return code;
+            GError* error = nullptr;
+            const bool isAvailable = arv_gc_feature_node_is_available(entry, &error);
+            if (error)
+                return m_device->takeError(error);
+            const bool implemented = arv_gc_feature_node_is_implemented(entry, &error);
+            if (error)
+                return m_device->takeError(error);
+            available = isAvailable && implemented;
+            return OrvErrorSuccess;
+        });
 }
 
 OrvErrorType GenICamFeature::GetValues(std::vector<std::string>& values)
 {
     if (m_type != OrvFeatureDataEnum)
         return OrvErrorWrongType;
-    return withDevice([&]() -> OrvErrorType {
-        // Aravis keeps the entries in reverse order of the XML.
-        std::vector<std::string> names;
-        for (const GSList* item = arv_gc_enumeration_get_entries(ARV_GC_ENUMERATION(m_node)); item;
-             item = item->next) {
-            const char* name = arv_gc_feature_node_get_name(static_cast<ArvGcFeatureNode*>(item->data));
-            names.insert(names.begin(), name ? name : "");
-        }
-        values.swap(names);
-        return OrvErrorSuccess;
-    });
+    return withDevice(
+        [&]() -> OrvErrorType
+        {
+            // Aravis keeps the entries in reverse order of the XML.
+            std::vector<std::string> names;
+            for (const GSList* item = arv_gc_enumeration_get_entries(ARV_GC_ENUMERATION(m_node)); item;
+                 item = item->next)
+            {
+                const char* name = arv_gc_feature_node_get_name(static_cast<ArvGcFeatureNode*>(item->data));
+                names.insert(names.begin(), name ? name : "");
+            }
+            values.swap(names);
+            return OrvErrorSuccess;
+        });
 }
 
 OrvErrorType GenICamFeature::readText(std::string& value)
@@ -249,20 +264,24 @@ OrvErrorType GenICamFeature::readText(std::string& value)
         return code;
     GError* error = nullptr;
     std::string text;
-    switch (m_type) {
-    case OrvFeatureDataEnum: {
+    switch (m_type)
+    {
+    case OrvFeatureDataEnum:
+    {
         const char* entry = arv_gc_enumeration_get_string_value(ARV_GC_ENUMERATION(m_node), &error);
         if (!error)
             text = entry ? entry : "";
         break;
     }
-    case OrvFeatureDataString: {
+    case OrvFeatureDataString:
+    {
         const char* string = arv_gc_string_get_value(ARV_GC_STRING(m_node), &error);
         if (!error)
             text = string ? string : "";
         break;
     }
-    case OrvFeatureDataInt: {
+    case OrvFeatureDataInt:
+    {
         const gint64 number = arv_gc_integer_get_value(ARV_GC_INTEGER(m_node), &error);
         text = std::to_string(static_cast<long long>(number));
         break;
@@ -273,7 +292,8 @@ OrvErrorType GenICamFeature::readText(std::string& value)
     case OrvFeatureDataBool:
         text = arv_gc_boolean_get_value(ARV_GC_BOOLEAN(m_node), &error) ? "true" : "false";
         break;
-    case OrvFeatureDataRaw: {
+    case OrvFeatureDataRaw:
+    {
         const guint64 length = arv_gc_register_get_length(ARV_GC_REGISTER(m_node), &error);
         if (error)
             break;
@@ -352,25 +372,29 @@ OrvErrorType GenICamFeature::GetValue(bool& value)
 {
     if (m_type != OrvFeatureDataBool)
         return OrvErrorWrongType;
-    return withDevice([&]() -> OrvErrorType {
-        OrvErrorType code = checkReadable();
-        if (code != OrvErrorSuccess)
-            return code;
-        GError* error = nullptr;
-        const bool flag = arv_gc_boolean_get_value(ARV_GC_BOOLEAN(m_node), &error);
-        if (error)
-            return m_device->takeError(error);
-        value = flag;
-        return OrvErrorSuccess;
-    });
+    return withDevice(
+        [&]() -> OrvErrorType
+        {
+            OrvErrorType code = checkReadable();
+            if (code != OrvErrorSuccess)
+                return code;
+            GError* error = nullptr;
+            const bool flag = arv_gc_boolean_get_value(ARV_GC_BOOLEAN(m_node), &error);
+            if (error)
+                return m_device->takeError(error);
+            value = flag;
+            return OrvErrorSuccess;
+        });
 }
 
 OrvErrorType GenICamFeature::GetRange(double& minimum, double& maximum)
 {
-    if (m_type == OrvFeatureDataInt) {
+    if (m_type == OrvFeatureDataInt)
+    {
         long long lo = 0, hi = 0;
         const OrvErrorType code = GetRange(lo, hi);
-        if (code == OrvErrorSuccess) {
+        if (code == OrvErrorSuccess)
+        {
             minimum = static_cast<double>(lo);
             maximum = static_cast<double>(hi);
         }
@@ -378,41 +402,46 @@ OrvErrorType GenICamFeature::GetRange(double& minimum, double& maximum)
     }
     if (m_type != OrvFeatureDataFloat)
         return OrvErrorWrongType;
-    return withDevice([&]() -> OrvErrorType {
-        GError* error = nullptr;
-        const double lo = arv_gc_float_get_min(ARV_GC_FLOAT(m_node), &error);
-        if (error)
-            return m_device->takeError(error);
-        const double hi = arv_gc_float_get_max(ARV_GC_FLOAT(m_node), &error);
-        if (error)
-            return m_device->takeError(error);
-        minimum = lo;
-        maximum = hi;
-        return OrvErrorSuccess;
-    });
+    return withDevice(
+        [&]() -> OrvErrorType
+        {
+            GError* error = nullptr;
+            const double lo = arv_gc_float_get_min(ARV_GC_FLOAT(m_node), &error);
+            if (error)
+                return m_device->takeError(error);
+            const double hi = arv_gc_float_get_max(ARV_GC_FLOAT(m_node), &error);
+            if (error)
+                return m_device->takeError(error);
+            minimum = lo;
+            maximum = hi;
+            return OrvErrorSuccess;
+        });
 }
 
 OrvErrorType GenICamFeature::GetRange(long long& minimum, long long& maximum)
 {
     if (m_type != OrvFeatureDataInt)
         return OrvErrorWrongType;
-    return withDevice([&]() -> OrvErrorType {
-        GError* error = nullptr;
-        const gint64 lo = arv_gc_integer_get_min(ARV_GC_INTEGER(m_node), &error);
-        if (error)
-            return m_device->takeError(error);
-        const gint64 hi = arv_gc_integer_get_max(ARV_GC_INTEGER(m_node), &error);
-        if (error)
-            return m_device->takeError(error);
-        minimum = lo;
-        maximum = hi;
-        return OrvErrorSuccess;
-    });
+    return withDevice(
+        [&]() -> OrvErrorType
+        {
+            GError* error = nullptr;
+            const gint64 lo = arv_gc_integer_get_min(ARV_GC_INTEGER(m_node), &error);
+            if (error)
+                return m_device->takeError(error);
+            const gint64 hi = arv_gc_integer_get_max(ARV_GC_INTEGER(m_node), &error);
+            if (error)
+                return m_device->takeError(error);
+            minimum = lo;
+            maximum = hi;
+            return OrvErrorSuccess;
+        });
 }
 
 OrvErrorType GenICamFeature::GetIncrement(double& increment)
 {
-    if (m_type == OrvFeatureDataInt) {
+    if (m_type == OrvFeatureDataInt)
+    {
         long long step = 0;
         const OrvErrorType code = GetIncrement(step);
         if (code == OrvErrorSuccess)
@@ -421,31 +450,35 @@ OrvErrorType GenICamFeature::GetIncrement(double& increment)
     }
     if (m_type != OrvFeatureDataFloat)
         return OrvErrorWrongType;
-    return withDevice([&]() -> OrvErrorType {
-        GError* error = nullptr;
-        const double step = arv_gc_float_get_inc(ARV_GC_FLOAT(m_node), &error);
-        if (error)
-            return m_device->takeError(error);
-        // A float without <Inc> has no increment (Aravis answers a tiny number).
-        if (!(step > std::numeric_limits<float>::min()))
-            return OrvErrorWrongType;
-        increment = step;
-        return OrvErrorSuccess;
-    });
+    return withDevice(
+        [&]() -> OrvErrorType
+        {
+            GError* error = nullptr;
+            const double step = arv_gc_float_get_inc(ARV_GC_FLOAT(m_node), &error);
+            if (error)
+                return m_device->takeError(error);
+            // A float without <Inc> has no increment (Aravis answers a tiny number).
+            if (!(step > std::numeric_limits<float>::min()))
+                return OrvErrorWrongType;
+            increment = step;
+            return OrvErrorSuccess;
+        });
 }
 
 OrvErrorType GenICamFeature::GetIncrement(long long& increment)
 {
     if (m_type != OrvFeatureDataInt)
         return OrvErrorWrongType;
-    return withDevice([&]() -> OrvErrorType {
-        GError* error = nullptr;
-        const gint64 step = arv_gc_integer_get_inc(ARV_GC_INTEGER(m_node), &error);
-        if (error)
-            return m_device->takeError(error);
-        increment = step;
-        return OrvErrorSuccess;
-    });
+    return withDevice(
+        [&]() -> OrvErrorType
+        {
+            GError* error = nullptr;
+            const gint64 step = arv_gc_integer_get_inc(ARV_GC_INTEGER(m_node), &error);
+            if (error)
+                return m_device->takeError(error);
+            increment = step;
+            return OrvErrorSuccess;
+        });
 }
 
 OrvErrorType GenICamFeature::writeInteger(long long value)
@@ -487,7 +520,8 @@ OrvErrorType GenICamFeature::writeFloat(double value)
 
 OrvErrorType GenICamFeature::SetValue(double value)
 {
-    if (m_type == OrvFeatureDataInt) {
+    if (m_type == OrvFeatureDataInt)
+    {
         if (!std::isfinite(value) || std::fabs(value) > 9.2e18)
             return OrvErrorInvalidValue;
         return write([&]() -> OrvErrorType { return writeInteger(std::llround(value)); });
@@ -510,62 +544,71 @@ OrvErrorType GenICamFeature::SetValue(bool value)
 {
     if (m_type != OrvFeatureDataBool)
         return OrvErrorWrongType;
-    return write([&]() -> OrvErrorType {
-        GError* error = nullptr;
-        arv_gc_boolean_set_value(ARV_GC_BOOLEAN(m_node), value, &error);
-        return m_device->takeError(error);
-    });
+    return write(
+        [&]() -> OrvErrorType
+        {
+            GError* error = nullptr;
+            arv_gc_boolean_set_value(ARV_GC_BOOLEAN(m_node), value, &error);
+            return m_device->takeError(error);
+        });
 }
 
 OrvErrorType GenICamFeature::SetValue(const char* value)
 {
     if (!value)
         return OrvErrorBadParameter;
-    switch (m_type) {
+    switch (m_type)
+    {
     case OrvFeatureDataEnum:
-        return write([&]() -> OrvErrorType {
-            // An entry that is not available now is refused like an unknown one.
-            ArvGcFeatureNode* entry = nullptr;
-            OrvErrorType code = findEntry(value, entry);
-            if (code != OrvErrorSuccess)
-                return code;
-            GError* error = nullptr;
-            const bool available = arv_gc_feature_node_is_available(entry, &error);
-            if (error)
+        return write(
+            [&]() -> OrvErrorType
+            {
+                // An entry that is not available now is refused like an unknown one.
+                ArvGcFeatureNode* entry = nullptr;
+                OrvErrorType code = findEntry(value, entry);
+                if (code != OrvErrorSuccess)
+                    return code;
+                GError* error = nullptr;
+                const bool available = arv_gc_feature_node_is_available(entry, &error);
+                if (error)
+                    return m_device->takeError(error);
+                const bool implemented = arv_gc_feature_node_is_implemented(entry, &error);
+                if (error)
+                    return m_device->takeError(error);
+                if (!available || !implemented)
+                    return OrvErrorInvalidValue;
+                arv_gc_enumeration_set_string_value(ARV_GC_ENUMERATION(m_node), value, &error);
                 return m_device->takeError(error);
-            const bool implemented = arv_gc_feature_node_is_implemented(entry, &error);
-            if (error)
-                return m_device->takeError(error);
-            if (!available || !implemented)
-                return OrvErrorInvalidValue;
-            arv_gc_enumeration_set_string_value(ARV_GC_ENUMERATION(m_node), value, &error);
-            return m_device->takeError(error);
-        });
+            });
     case OrvFeatureDataString:
-        return write([&]() -> OrvErrorType {
-            GError* error = nullptr;
-            const gint64 maxLength = arv_gc_string_get_max_length(ARV_GC_STRING(m_node), &error);
-            if (error)
+        return write(
+            [&]() -> OrvErrorType
+            {
+                GError* error = nullptr;
+                const gint64 maxLength = arv_gc_string_get_max_length(ARV_GC_STRING(m_node), &error);
+                if (error)
+                    return m_device->takeError(error);
+                if (maxLength > 0 && static_cast<gint64>(std::strlen(value)) > maxLength)
+                    return OrvErrorInvalidValue;
+                arv_gc_string_set_value(ARV_GC_STRING(m_node), value, &error);
                 return m_device->takeError(error);
-            if (maxLength > 0 && static_cast<gint64>(std::strlen(value)) > maxLength)
-                return OrvErrorInvalidValue;
-            arv_gc_string_set_value(ARV_GC_STRING(m_node), value, &error);
-            return m_device->takeError(error);
-        });
+            });
     case OrvFeatureDataRaw:
-        return write([&]() -> OrvErrorType {
-            std::vector<unsigned char> bytes;
-            if (!fromHex(value, bytes))
-                return OrvErrorInvalidValue;
-            GError* error = nullptr;
-            const guint64 length = arv_gc_register_get_length(ARV_GC_REGISTER(m_node), &error);
-            if (error)
+        return write(
+            [&]() -> OrvErrorType
+            {
+                std::vector<unsigned char> bytes;
+                if (!fromHex(value, bytes))
+                    return OrvErrorInvalidValue;
+                GError* error = nullptr;
+                const guint64 length = arv_gc_register_get_length(ARV_GC_REGISTER(m_node), &error);
+                if (error)
+                    return m_device->takeError(error);
+                if (bytes.size() != length)
+                    return OrvErrorInvalidValue;
+                arv_gc_register_set(ARV_GC_REGISTER(m_node), bytes.data(), length, &error);
                 return m_device->takeError(error);
-            if (bytes.size() != length)
-                return OrvErrorInvalidValue;
-            arv_gc_register_set(ARV_GC_REGISTER(m_node), bytes.data(), length, &error);
-            return m_device->takeError(error);
-        });
+            });
     default:
         return OrvErrorWrongType;
     }
@@ -575,11 +618,13 @@ OrvErrorType GenICamFeature::RunCommand()
 {
     if (m_type != OrvFeatureDataCommand)
         return OrvErrorWrongType;
-    return write([&]() -> OrvErrorType {
-        GError* error = nullptr;
-        arv_gc_command_execute(ARV_GC_COMMAND(m_node), &error);
-        return m_device->takeError(error);
-    });
+    return write(
+        [&]() -> OrvErrorType
+        {
+            GError* error = nullptr;
+            arv_gc_command_execute(ARV_GC_COMMAND(m_node), &error);
+            return m_device->takeError(error);
+        });
 }
 
 OrvErrorType GenICamFeature::RegisterObserver(const OrvCPP::shared_ptr<OrvCPP::IFeatureObserver>& observer)
@@ -595,17 +640,19 @@ OrvErrorType GenICamFeature::UnregisterObserver(const OrvCPP::shared_ptr<OrvCPP:
 std::string GenICamFeature::stateSnapshot()
 {
     std::string snapshot;
-    const OrvErrorType code = withDevice([&]() -> OrvErrorType {
-        std::string value;
-        OrvErrorType read = OrvErrorSuccess;
-        if (m_type != OrvFeatureDataCommand)
-            read = readText(value);
-        if (m_device->isLost())
-            return OrvErrorDeviceLost;
-        snapshot = (read == OrvErrorSuccess ? "=" + value : "!" + std::to_string(read))
-            + (writableNow() ? "|w" : "|r");
-        return OrvErrorSuccess;
-    });
+    const OrvErrorType code = withDevice(
+        [&]() -> OrvErrorType
+        {
+            std::string value;
+            OrvErrorType read = OrvErrorSuccess;
+            if (m_type != OrvFeatureDataCommand)
+                read = readText(value);
+            if (m_device->isLost())
+                return OrvErrorDeviceLost;
+            snapshot =
+                (read == OrvErrorSuccess ? "=" + value : "!" + std::to_string(read)) + (writableNow() ? "|w" : "|r");
+            return OrvErrorSuccess;
+        });
     if (code != OrvErrorSuccess)
         snapshot = "!" + std::to_string(code);
     return snapshot;

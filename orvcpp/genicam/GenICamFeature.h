@@ -27,8 +27,7 @@ typedef struct _ArvGcFeatureNode ArvGcFeatureNode;
 class GenICamFeature : public OrvCPP::Feature, public std::enable_shared_from_this<GenICamFeature>
 {
 public:
-    GenICamFeature(std::shared_ptr<GenICamDevice> device, ArvGcFeatureNode* node,
-                   const std::string& category);
+    GenICamFeature(std::shared_ptr<GenICamDevice> device, ArvGcFeatureNode* node, const std::string& category);
     ~GenICamFeature() override;
 
     OrvErrorType GetName(std::string& name) override;
@@ -64,10 +63,8 @@ public:
     std::string stateSnapshot();
 
 private:
-    template <typename Call>
-    OrvErrorType withDevice(Call call);
-    template <typename Call>
-    OrvErrorType write(Call call);
+    template <typename Call> OrvErrorType withDevice(Call call);
+    template <typename Call> OrvErrorType write(Call call);
 
     // The helpers below expect the device lock to be held.
     OrvErrorType checkReadable();

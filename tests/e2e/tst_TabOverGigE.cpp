@@ -11,27 +11,30 @@
 #include <QPluginLoader>
 #include <QtTest>
 
-namespace {
+namespace
+{
 
 // Reads a feature straight from the device, past the tab and the backend's features.
 QString deviceValue(GenICamCamera& camera, const char* feature)
 {
     QString value;
-    camera.withAravisDevice([&](ArvDevice* device) {
-        GError* error = nullptr;
-        const char* text = arv_device_get_string_feature_value(device, feature, &error);
-        if (text)
-            value = QString::fromUtf8(text);
-        g_clear_error(&error);
-    });
+    camera.withAravisDevice(
+        [&](ArvDevice* device)
+        {
+            GError* error = nullptr;
+            const char* text = arv_device_get_string_feature_value(device, feature, &error);
+            if (text)
+                value = QString::fromUtf8(text);
+            g_clear_error(&error);
+        });
     return value;
 }
 
 void setDeviceValue(GenICamCamera& camera, const char* feature, const QString& value)
 {
-    camera.withAravisDevice([&](ArvDevice* device) {
-        arv_device_set_string_feature_value(device, feature, value.toUtf8().constData(), nullptr);
-    });
+    camera.withAravisDevice(
+        [&](ArvDevice* device)
+        { arv_device_set_string_feature_value(device, feature, value.toUtf8().constData(), nullptr); });
 }
 
 } // namespace
@@ -62,11 +65,15 @@ void tst_TabOverGigE::tabDrivesTheDevice_data()
     QTest::addColumn<QString>("selector");
     QTest::addColumn<QString>("source");
     QTest::addColumn<QStringList>("outputs");
-    QTest::newRow("line family") << "line-camera.xml" << "LineSelector" << "LineSource" << QStringList{"Line1"};
-    QTest::newRow("sync-out family") << "syncout-camera.xml" << "SyncOutSelector" << "SyncOutSource"
-                                     << QStringList{"SyncOut1", "SyncOut2", "SyncOut3"};
-    QTest::newRow("line-routing family") << "routing-camera.xml" << "LineSelector" << "LineSource"
-                                         << QStringList{"Line2", "Line3"};
+    QTest::newRow("line family") << "line-camera.xml"
+                                 << "LineSelector"
+                                 << "LineSource" << QStringList{"Line1"};
+    QTest::newRow("sync-out family") << "syncout-camera.xml"
+                                     << "SyncOutSelector"
+                                     << "SyncOutSource" << QStringList{"SyncOut1", "SyncOut2", "SyncOut3"};
+    QTest::newRow("line-routing family") << "routing-camera.xml"
+                                         << "LineSelector"
+                                         << "LineSource" << QStringList{"Line2", "Line3"};
 }
 
 void tst_TabOverGigE::tabDrivesTheDevice()
@@ -122,13 +129,14 @@ void tst_TabOverGigE::tabDrivesTheDevice()
     QVERIFY(tab);
     // Every observed feature reported changed: the next tick refreshes the whole
     // tab against the lost device.
-    for (const char* name : {"TriggerActivation", "TriggerSource", "TriggerMode", "TriggerSelector", "AcquisitionMode",
-                             "LineRouting", "LineSelector", "LineSource", "SyncOutSource", "LineInverter",
-                             "SyncOutPolarity", "LineStatus", "SyncOutLevels", "UserOutputValue", "LineMode",
-                             "ExposureMode", "ExposureAuto"})
+    for (const char* name :
+         {"TriggerActivation", "TriggerSource", "TriggerMode", "TriggerSelector", "AcquisitionMode", "LineRouting",
+          "LineSelector", "LineSource", "SyncOutSource", "LineInverter", "SyncOutPolarity", "LineStatus",
+          "SyncOutLevels", "UserOutputValue", "LineMode", "ExposureMode", "ExposureAuto"})
         QVERIFY(QMetaObject::invokeMethod(tab, "OnFeatureChanged", Q_ARG(QString, name), Q_ARG(QString, QString())));
     QGroupBox* triggerGroup = parent.findChild<QGroupBox*>("gb_TriggerInput");
-    auto neutral = [triggerGroup]() {
+    auto neutral = [triggerGroup]()
+    {
         for (QComboBox* combo : triggerGroup->findChildren<QComboBox*>())
             if (combo->count() != 0 || combo->currentIndex() != -1)
                 return false;

@@ -19,7 +19,8 @@ inline QString modelPath(const QString& file)
 
 inline OrvCPP::shared_ptr<OrvCPP::Feature> featureNamed(const FeatureList& list, const std::string& name)
 {
-    for (const auto& feature : *list) {
+    for (const auto& feature : *list)
+    {
         std::string n;
         if (feature->GetName(n) == OrvErrorSuccess && n == name)
             return feature;
@@ -60,8 +61,8 @@ public:
         QElapsedTimer timer;
         timer.start();
         std::unique_lock<std::mutex> locker(m_mutex);
-        const bool seen = m_changed.wait_for(locker, std::chrono::milliseconds(timeoutMs),
-                                             [&] { return m_names.contains(name); });
+        const bool seen =
+            m_changed.wait_for(locker, std::chrono::milliseconds(timeoutMs), [&] { return m_names.contains(name); });
         return seen ? timer.elapsed() : -1;
     }
 

@@ -31,17 +31,13 @@ private:
     static quint32 readRegister(GenICamCamera& camera, quint32 address)
     {
         guint32 value = 0xffffffff;
-        camera.withAravisDevice([&](ArvDevice* device) {
-            arv_device_read_register(device, address, &value, nullptr);
-        });
+        camera.withAravisDevice([&](ArvDevice* device) { arv_device_read_register(device, address, &value, nullptr); });
         return value;
     }
 
     static void writeRegister(GenICamCamera& camera, quint32 address, quint32 value)
     {
-        camera.withAravisDevice([&](ArvDevice* device) {
-            arv_device_write_register(device, address, value, nullptr);
-        });
+        camera.withAravisDevice([&](ArvDevice* device) { arv_device_write_register(device, address, value, nullptr); });
     }
 
 private slots:
@@ -66,8 +62,8 @@ private slots:
         QTest::newRow("empty file") << "" << QByteArray(" ") << OrvErrorType(OrvErrorInvalidValue);
         QTest::newRow("broken xml") << "" << QByteArray("<RegisterDescription><Category Name=")
                                     << OrvErrorType(OrvErrorInvalidValue);
-        QTest::newRow("xml but not GenICam") << "" << QByteArray("<?xml version=\"1.0\"?><html><body/></html>")
-                                             << OrvErrorType(OrvErrorInvalidValue);
+        QTest::newRow("xml but not GenICam")
+            << "" << QByteArray("<?xml version=\"1.0\"?><html><body/></html>") << OrvErrorType(OrvErrorInvalidValue);
     }
 
     void openErrors()
@@ -77,7 +73,8 @@ private slots:
         QFETCH(OrvErrorType, code);
 
         QTemporaryDir dir;
-        if (!fileContent.isEmpty()) {
+        if (!fileContent.isEmpty())
+        {
             QFile file(dir.filePath("camera.xml"));
             QVERIFY(file.open(QIODevice::WriteOnly));
             file.write(fileContent);
@@ -100,19 +97,18 @@ private slots:
     {
         QTest::addColumn<QString>("model");
         QTest::addColumn<QStringList>("names");
-        const QStringList common = {"TriggerSelector", "TriggerMode", "TriggerSource", "TriggerActivation",
+        const QStringList common = {"TriggerSelector", "TriggerMode",     "TriggerSource",        "TriggerActivation",
                                     "TriggerSoftware", "AcquisitionMode", "AcquisitionFrameCount"};
         QTest::newRow("line") << "line-camera.xml"
-                              << common + QStringList{"ExposureAuto", "LineSelector", "LineMode", "LineSource",
-                                                      "LineInverter", "LineStatus", "UserOutputSelector",
-                                                      "UserOutputValue"};
+                              << common + QStringList{"ExposureAuto",       "LineSelector",   "LineMode",
+                                                      "LineSource",         "LineInverter",   "LineStatus",
+                                                      "UserOutputSelector", "UserOutputValue"};
         QTest::newRow("sync-out") << "syncout-camera.xml"
                                   << common + QStringList{"ExposureMode", "SyncOutSelector", "SyncOutSource",
                                                           "SyncOutPolarity", "SyncOutLevels"};
         QTest::newRow("routing") << "routing-camera.xml"
-                                 << common + QStringList{"ExposureMode", "LineSelector", "LineMode", "LineRouting",
-                                                         "LineSource", "LineInverter", "LineStatus",
-                                                         "LineOutLevels"};
+                                 << common + QStringList{"ExposureMode", "LineSelector", "LineMode",   "LineRouting",
+                                                         "LineSource",   "LineInverter", "LineStatus", "LineOutLevels"};
     }
 
     void modelsOfferTheTabsFeatures()
@@ -135,7 +131,8 @@ private slots:
         const FeatureList features = camera.features();
         QStringList names;
         QStringList categories;
-        for (const FeaturePtr& feature : *features) {
+        for (const FeaturePtr& feature : *features)
+        {
             std::string name, category;
             QCOMPARE(feature->GetName(name), OrvErrorType(OrvErrorSuccess));
             QCOMPARE(feature->GetCategory(category), OrvErrorType(OrvErrorSuccess));
@@ -146,8 +143,8 @@ private slots:
         QCOMPARE(names.first(), QStringLiteral("DeviceVendorName"));
         QCOMPARE(names.last(), QStringLiteral("UserOutputValue"));
         QVERIFY(names.indexOf("LineSelector") < names.indexOf("LineMode"));
-        QCOMPARE(categories, (QStringList{"DeviceControl", "ImageFormatControl", "AcquisitionControl",
-                                          "DigitalIOControl"}));
+        QCOMPARE(categories,
+                 (QStringList{"DeviceControl", "ImageFormatControl", "AcquisitionControl", "DigitalIOControl"}));
         std::string displayName;
         QCOMPARE(featureNamed(features, "LineSelector")->GetDisplayName(displayName), OrvErrorType(OrvErrorSuccess));
         QCOMPARE(displayName, std::string("Line Selector"));
@@ -160,14 +157,20 @@ private slots:
         QTest::addColumn<OrvFeatureDataType>("type");
         QTest::addColumn<QString>("value"); // written in the type's own form, read back as text
 
-        QTest::newRow("integer") << "syncout-camera.xml" << "SyncOutLevels" << OrvFeatureDataInt << "5";
-        QTest::newRow("float") << "line-camera.xml" << "ExposureTime" << OrvFeatureDataFloat << "1234.5";
-        QTest::newRow("enumeration") << "routing-camera.xml" << "TriggerActivation" << OrvFeatureDataEnum
-                                     << "LowLevel";
-        QTest::newRow("string") << "line-camera.xml" << "DeviceUserID" << OrvFeatureDataString << "bench-7";
-        QTest::newRow("boolean") << "line-camera.xml" << "LineInverter" << OrvFeatureDataBool << "true";
-        QTest::newRow("raw") << "line-camera.xml" << "DeviceUserData" << OrvFeatureDataRaw << "0102a0b0c0d0e0f0";
-        QTest::newRow("command") << "line-camera.xml" << "TriggerSoftware" << OrvFeatureDataCommand << "";
+        QTest::newRow("integer") << "syncout-camera.xml"
+                                 << "SyncOutLevels" << OrvFeatureDataInt << "5";
+        QTest::newRow("float") << "line-camera.xml"
+                               << "ExposureTime" << OrvFeatureDataFloat << "1234.5";
+        QTest::newRow("enumeration") << "routing-camera.xml"
+                                     << "TriggerActivation" << OrvFeatureDataEnum << "LowLevel";
+        QTest::newRow("string") << "line-camera.xml"
+                                << "DeviceUserID" << OrvFeatureDataString << "bench-7";
+        QTest::newRow("boolean") << "line-camera.xml"
+                                 << "LineInverter" << OrvFeatureDataBool << "true";
+        QTest::newRow("raw") << "line-camera.xml"
+                             << "DeviceUserData" << OrvFeatureDataRaw << "0102a0b0c0d0e0f0";
+        QTest::newRow("command") << "line-camera.xml"
+                                 << "TriggerSoftware" << OrvFeatureDataCommand << "";
     }
 
     void readWriteEveryType()
@@ -190,29 +193,34 @@ private slots:
 
         const std::string before = textOf(feature);
         OrvErrorType code = OrvErrorInternalFault;
-        switch (type) {
-        case OrvFeatureDataInt: {
+        switch (type)
+        {
+        case OrvFeatureDataInt:
+        {
             code = feature->SetValue(value.toLongLong());
             long long number = -1;
             QCOMPARE(feature->GetValue(number), OrvErrorType(OrvErrorSuccess));
             QCOMPARE(number, value.toLongLong());
             break;
         }
-        case OrvFeatureDataFloat: {
+        case OrvFeatureDataFloat:
+        {
             code = feature->SetValue(value.toDouble());
             double number = -1;
             QCOMPARE(feature->GetValue(number), OrvErrorType(OrvErrorSuccess));
             QCOMPARE(number, value.toDouble());
             break;
         }
-        case OrvFeatureDataBool: {
+        case OrvFeatureDataBool:
+        {
             code = feature->SetValue(value == "true");
             bool flag = false;
             QCOMPARE(feature->GetValue(flag), OrvErrorType(OrvErrorSuccess));
             QCOMPARE(flag, value == "true");
             break;
         }
-        case OrvFeatureDataCommand: {
+        case OrvFeatureDataCommand:
+        {
             code = feature->RunCommand();
             std::string text;
             QCOMPARE(feature->GetValue(text), OrvErrorType(OrvErrorWrongType));
@@ -222,7 +230,8 @@ private slots:
             code = feature->SetValue(value.toUtf8().constData());
         }
         QCOMPARE(code, OrvErrorType(OrvErrorSuccess));
-        if (type != OrvFeatureDataCommand) {
+        if (type != OrvFeatureDataCommand)
+        {
             QVERIFY(before != value.toStdString());
             QCOMPARE(QString::fromStdString(textOf(feature)), value);
         }
@@ -320,15 +329,30 @@ private slots:
         QTest::addColumn<QString>("value");
         QTest::addColumn<quint32>("address"); // register that must stay unchanged (0: none)
 
-        QTest::newRow("read-only string") << "line-camera.xml" << "DeviceModelName" << "Other" << 0u;
-        QTest::newRow("read-only formula") << "line-camera.xml" << "PayloadSize" << "10" << 0u;
-        QTest::newRow("read-only enumeration") << "routing-camera.xml" << "LineMode" << "Output" << 0u;
-        QTest::newRow("locked frame count") << "line-camera.xml" << "AcquisitionFrameCount" << "7" << 0x1010u;
-        QTest::newRow("locked line mode") << "line-camera.xml" << "LineMode" << "Output" << 0x1110u;
-        QTest::newRow("locked routing on output line")
-            << "routing-camera.xml" << "LineRouting" << "Trigger" << 0x1110u;
-        QTest::newRow("locked status of non-Direct line") << "line-camera.xml" << "LineStatus" << "1" << 0x1140u;
-        QTest::newRow("unavailable exposure time") << "line-camera.xml" << "ExposureTime" << "100" << 0x120u;
+        QTest::newRow("read-only string") << "line-camera.xml"
+                                          << "DeviceModelName"
+                                          << "Other" << 0u;
+        QTest::newRow("read-only formula") << "line-camera.xml"
+                                           << "PayloadSize"
+                                           << "10" << 0u;
+        QTest::newRow("read-only enumeration") << "routing-camera.xml"
+                                               << "LineMode"
+                                               << "Output" << 0u;
+        QTest::newRow("locked frame count") << "line-camera.xml"
+                                            << "AcquisitionFrameCount"
+                                            << "7" << 0x1010u;
+        QTest::newRow("locked line mode") << "line-camera.xml"
+                                          << "LineMode"
+                                          << "Output" << 0x1110u;
+        QTest::newRow("locked routing on output line") << "routing-camera.xml"
+                                                       << "LineRouting"
+                                                       << "Trigger" << 0x1110u;
+        QTest::newRow("locked status of non-Direct line") << "line-camera.xml"
+                                                          << "LineStatus"
+                                                          << "1" << 0x1140u;
+        QTest::newRow("unavailable exposure time") << "line-camera.xml"
+                                                   << "ExposureTime"
+                                                   << "100" << 0x120u;
     }
 
     void readOnlyAndLocked()
@@ -405,16 +429,21 @@ private slots:
         QTest::addColumn<QStringList>("entries");
         QTest::addColumn<QStringList>("powerUp"); // per entry
 
-        QTest::newRow("line mode") << "line-camera.xml" << "LineSelector" << "LineMode"
-                                   << QStringList{"Line0", "Line1", "Line2", "Line3"}
+        QTest::newRow("line mode") << "line-camera.xml"
+                                   << "LineSelector"
+                                   << "LineMode" << QStringList{"Line0", "Line1", "Line2", "Line3"}
                                    << QStringList{"Input", "Output", "Input", "Input"};
-        QTest::newRow("line source") << "line-camera.xml" << "LineSelector" << "LineSource"
-                                     << QStringList{"Line1", "Line2"} << QStringList{"UserOutput0", "Off"};
-        QTest::newRow("routing line mode") << "routing-camera.xml" << "LineSelector" << "LineMode"
-                                           << QStringList{"Line0", "Line1", "Line2", "Line3"}
+        QTest::newRow("line source") << "line-camera.xml"
+                                     << "LineSelector"
+                                     << "LineSource" << QStringList{"Line1", "Line2"}
+                                     << QStringList{"UserOutput0", "Off"};
+        QTest::newRow("routing line mode") << "routing-camera.xml"
+                                           << "LineSelector"
+                                           << "LineMode" << QStringList{"Line0", "Line1", "Line2", "Line3"}
                                            << QStringList{"Input", "Input", "Output", "Output"};
-        QTest::newRow("sync-out source") << "syncout-camera.xml" << "SyncOutSelector" << "SyncOutSource"
-                                         << QStringList{"SyncOut1", "SyncOut2", "SyncOut3"}
+        QTest::newRow("sync-out source") << "syncout-camera.xml"
+                                         << "SyncOutSelector"
+                                         << "SyncOutSource" << QStringList{"SyncOut1", "SyncOut2", "SyncOut3"}
                                          << QStringList{"ExposureActive", "GPO", "GPO"};
     }
 
@@ -430,7 +459,8 @@ private slots:
         QVERIFY(openModel(camera, model));
         const FeaturePtr sel = featureNamed(camera.features(), selector.toStdString());
         const FeaturePtr dependent = featureNamed(camera.features(), feature.toStdString());
-        for (int i = 0; i < entries.size(); ++i) {
+        for (int i = 0; i < entries.size(); ++i)
+        {
             QCOMPARE(sel->SetValue(entries[i].toUtf8().constData()), OrvErrorType(OrvErrorSuccess));
             QCOMPARE(QString::fromStdString(textOf(dependent)), powerUp[i]);
         }
@@ -460,10 +490,14 @@ private slots:
         QTest::addColumn<QString>("observed");
         QTest::addColumn<QString>("change"); // "register" writes memory as the camera itself would
 
-        QTest::newRow("own write") << "UserOutputValue" << "UserOutputValue";
-        QTest::newRow("side effect of a selector write") << "LineSource" << "LineSelector";
-        QTest::newRow("lock follows another feature") << "AcquisitionFrameCount" << "AcquisitionMode";
-        QTest::newRow("changed by the camera") << "LineInverter" << "register";
+        QTest::newRow("own write") << "UserOutputValue"
+                                   << "UserOutputValue";
+        QTest::newRow("side effect of a selector write") << "LineSource"
+                                                         << "LineSelector";
+        QTest::newRow("lock follows another feature") << "AcquisitionFrameCount"
+                                                      << "AcquisitionMode";
+        QTest::newRow("changed by the camera") << "LineInverter"
+                                               << "register";
     }
 
     void observerNotifiedOnBackendThread()
@@ -488,8 +522,7 @@ private slots:
         else if (change == "LineSelector")
             QCOMPARE(featureNamed(features, "LineSelector")->SetValue("Line1"), OrvErrorType(OrvErrorSuccess));
         else if (change == "AcquisitionMode")
-            QCOMPARE(featureNamed(features, "AcquisitionMode")->SetValue("MultiFrame"),
-                     OrvErrorType(OrvErrorSuccess));
+            QCOMPARE(featureNamed(features, "AcquisitionMode")->SetValue("MultiFrame"), OrvErrorType(OrvErrorSuccess));
         else
             writeRegister(camera, 0x1130, 1); // LineInverter of Line0
 
@@ -537,27 +570,30 @@ private slots:
         const FeatureList features = camera.features();
         auto observer = std::make_shared<RecordingObserver>();
         QCOMPARE(featureNamed(features, "LineSource")->RegisterObserver(observer), OrvErrorType(OrvErrorSuccess));
-        QCOMPARE(featureNamed(features, "UserOutputValue")->RegisterObserver(observer),
-                 OrvErrorType(OrvErrorSuccess));
+        QCOMPARE(featureNamed(features, "UserOutputValue")->RegisterObserver(observer), OrvErrorType(OrvErrorSuccess));
 
         std::atomic<int> failures{0};
-        auto lines = [&] {
+        auto lines = [&]
+        {
             const FeaturePtr selector = featureNamed(features, "LineSelector");
             const FeaturePtr mode = featureNamed(features, "LineMode");
-            for (int i = 0; i < 200; ++i) {
+            for (int i = 0; i < 200; ++i)
+            {
                 std::string value;
-                if (selector->SetValue(i % 2 ? "Line1" : "Line3") != OrvErrorSuccess
-                    || mode->GetValue(value) != OrvErrorSuccess)
+                if (selector->SetValue(i % 2 ? "Line1" : "Line3") != OrvErrorSuccess ||
+                    mode->GetValue(value) != OrvErrorSuccess)
                     ++failures;
             }
         };
-        auto outputs = [&] {
+        auto outputs = [&]
+        {
             const FeaturePtr selector = featureNamed(features, "UserOutputSelector");
             const FeaturePtr value = featureNamed(features, "UserOutputValue");
-            for (int i = 0; i < 200; ++i) {
+            for (int i = 0; i < 200; ++i)
+            {
                 bool flag = false;
-                if (selector->SetValue(i % 2 ? "UserOutput1" : "UserOutput2") != OrvErrorSuccess
-                    || value->SetValue(i % 3 == 0) != OrvErrorSuccess || value->GetValue(flag) != OrvErrorSuccess)
+                if (selector->SetValue(i % 2 ? "UserOutput1" : "UserOutput2") != OrvErrorSuccess ||
+                    value->SetValue(i % 3 == 0) != OrvErrorSuccess || value->GetValue(flag) != OrvErrorSuccess)
                     ++failures;
             }
         };

@@ -22,7 +22,8 @@ private:
 
     void stopServer()
     {
-        if (m_server.state() != QProcess::NotRunning) {
+        if (m_server.state() != QProcess::NotRunning)
+        {
             m_server.kill();
             m_server.waitForFinished(3000);
         }
@@ -32,9 +33,7 @@ private:
     static QByteArray serialOf(const GenICamCamera& camera)
     {
         char serial[17] = {};
-        camera.withAravisDevice([&](ArvDevice* device) {
-            arv_device_read_memory(device, 0xd8, 16, serial, nullptr);
-        });
+        camera.withAravisDevice([&](ArvDevice* device) { arv_device_read_memory(device, 0xd8, 16, serial, nullptr); });
         return QByteArray(serial);
     }
 
@@ -44,8 +43,8 @@ private:
     bool startAndOpen(GenICamCamera& camera, const QString& model)
     {
         static int run = 0;
-        const QByteArray serial = "TIO" + QByteArray::number(QCoreApplication::applicationPid() % 100000) + "-"
-            + QByteArray::number(++run);
+        const QByteArray serial =
+            "TIO" + QByteArray::number(QCoreApplication::applicationPid() % 100000) + "-" + QByteArray::number(++run);
         m_server.setProgram(QStandardPaths::findExecutable("arv-fake-gv-camera-0.8"));
         m_server.setArguments({"-i", "127.0.0.1", "-s", QString::fromLatin1(serial), "-g", modelPath(model)});
         m_server.setProcessChannelMode(QProcess::ForwardedErrorChannel);
@@ -55,8 +54,10 @@ private:
             return false;
         QElapsedTimer timer;
         timer.start();
-        while (timer.elapsed() < 20000 && m_server.state() == QProcess::Running) {
-            if (camera.open("127.0.0.1") == OrvErrorSuccess) {
+        while (timer.elapsed() < 20000 && m_server.state() == QProcess::Running)
+        {
+            if (camera.open("127.0.0.1") == OrvErrorSuccess)
+            {
                 if (serialOf(camera) == serial)
                     return true;
                 camera.close();
@@ -93,12 +94,24 @@ private slots:
         QTest::addColumn<QString>("feature");
         QTest::addColumn<QString>("value");
 
-        QTest::newRow("line") << "line-camera.xml" << "TriggerIO Line Demo" << "LineSelector" << "Line2"
-                              << "LineMode" << "Output";
-        QTest::newRow("sync-out") << "syncout-camera.xml" << "TriggerIO SyncOut Demo" << "SyncOutSelector"
-                                  << "SyncOut3" << "SyncOutPolarity" << "Invert";
-        QTest::newRow("routing") << "routing-camera.xml" << "TriggerIO Routing Demo" << "LineSelector" << "Line1"
-                                 << "LineRouting" << "Trigger";
+        QTest::newRow("line") << "line-camera.xml"
+                              << "TriggerIO Line Demo"
+                              << "LineSelector"
+                              << "Line2"
+                              << "LineMode"
+                              << "Output";
+        QTest::newRow("sync-out") << "syncout-camera.xml"
+                                  << "TriggerIO SyncOut Demo"
+                                  << "SyncOutSelector"
+                                  << "SyncOut3"
+                                  << "SyncOutPolarity"
+                                  << "Invert";
+        QTest::newRow("routing") << "routing-camera.xml"
+                                 << "TriggerIO Routing Demo"
+                                 << "LineSelector"
+                                 << "Line1"
+                                 << "LineRouting"
+                                 << "Trigger";
     }
 
     void readWriteOverGigEVision()
@@ -148,10 +161,12 @@ private slots:
         QCOMPARE(featureNamed(features, "TriggerSource")->SetValue("Software"), OrvErrorType(OrvErrorSuccess));
 
         ArvStream* stream = nullptr;
-        camera.withAravisDevice([&](ArvDevice* device) {
-            arv_gv_device_set_stream_options(ARV_GV_DEVICE(device), ARV_GV_STREAM_OPTION_PACKET_SOCKET_DISABLED);
-            stream = arv_device_create_stream(device, nullptr, nullptr, nullptr);
-        });
+        camera.withAravisDevice(
+            [&](ArvDevice* device)
+            {
+                arv_gv_device_set_stream_options(ARV_GV_DEVICE(device), ARV_GV_STREAM_OPTION_PACKET_SOCKET_DISABLED);
+                stream = arv_device_create_stream(device, nullptr, nullptr, nullptr);
+            });
         QVERIFY(stream);
         for (int i = 0; i < 4; ++i)
             arv_stream_push_buffer(stream, arv_buffer_new(64 * 64, nullptr));

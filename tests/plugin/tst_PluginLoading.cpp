@@ -9,7 +9,8 @@
 
 using TestCam::TestCamera;
 
-namespace {
+namespace
+{
 
 // A host's acquisition toggle.
 class Acquirer : public QObject

@@ -10,9 +10,11 @@
 #include <thread>
 #include <vector>
 
-namespace TestCam {
+namespace TestCam
+{
 
-namespace {
+namespace
+{
 
 struct Slot
 {
@@ -180,151 +182,181 @@ public:
 
     OrvErrorType GetName(std::string& name) override
     {
-        return read(Op::GetName, [&](FeatureData& d, Slot&) {
-            name = d.name.toStdString();
-            return OrvErrorSuccess;
-        });
+        return read(Op::GetName,
+                    [&](FeatureData& d, Slot&)
+                    {
+                        name = d.name.toStdString();
+                        return OrvErrorSuccess;
+                    });
     }
 
     OrvErrorType GetDisplayName(std::string& displayName) override
     {
-        return read(Op::GetDisplayName, [&](FeatureData& d, Slot&) {
-            displayName = (d.displayName.isEmpty() ? d.name : d.displayName).toStdString();
-            return OrvErrorSuccess;
-        });
+        return read(Op::GetDisplayName,
+                    [&](FeatureData& d, Slot&)
+                    {
+                        displayName = (d.displayName.isEmpty() ? d.name : d.displayName).toStdString();
+                        return OrvErrorSuccess;
+                    });
     }
 
     OrvErrorType GetCategory(std::string& category) override
     {
-        return read(Op::GetCategory, [&](FeatureData& d, Slot&) {
-            category = d.category.toStdString();
-            return OrvErrorSuccess;
-        });
+        return read(Op::GetCategory,
+                    [&](FeatureData& d, Slot&)
+                    {
+                        category = d.category.toStdString();
+                        return OrvErrorSuccess;
+                    });
     }
 
     OrvErrorType GetDataType(OrvFeatureDataType& type) override
     {
-        return read(Op::GetDataType, [&](FeatureData& d, Slot&) {
-            type = d.type;
-            return OrvErrorSuccess;
-        });
+        return read(Op::GetDataType,
+                    [&](FeatureData& d, Slot&)
+                    {
+                        type = d.type;
+                        return OrvErrorSuccess;
+                    });
     }
 
     OrvErrorType IsWritable(bool& writable) override
     {
-        return read(Op::IsWritable, [&](FeatureData&, Slot& s) {
-            writable = s.writable;
-            return OrvErrorSuccess;
-        });
+        return read(Op::IsWritable,
+                    [&](FeatureData&, Slot& s)
+                    {
+                        writable = s.writable;
+                        return OrvErrorSuccess;
+                    });
     }
 
     OrvErrorType IsValueAvailable(const char* value, bool& available) override
     {
-        return read(Op::IsValueAvailable, [&](FeatureData& d, Slot& s) {
-            if (!value)
-                return OrvErrorBadParameter;
-            if (d.type != OrvFeatureDataEnum)
-                return OrvErrorWrongType;
-            const QString entry = QString::fromUtf8(value);
-            if (!d.entries.contains(entry))
-                return OrvErrorInvalidValue;
-            available = !s.unavailable.contains(entry);
-            return OrvErrorSuccess;
-        });
+        return read(Op::IsValueAvailable,
+                    [&](FeatureData& d, Slot& s)
+                    {
+                        if (!value)
+                            return OrvErrorBadParameter;
+                        if (d.type != OrvFeatureDataEnum)
+                            return OrvErrorWrongType;
+                        const QString entry = QString::fromUtf8(value);
+                        if (!d.entries.contains(entry))
+                            return OrvErrorInvalidValue;
+                        available = !s.unavailable.contains(entry);
+                        return OrvErrorSuccess;
+                    });
     }
 
     OrvErrorType GetValues(std::vector<std::string>& values) override
     {
-        return read(Op::GetValues, [&](FeatureData& d, Slot&) {
-            if (d.type != OrvFeatureDataEnum)
-                return OrvErrorWrongType;
-            values.clear();
-            for (const QString& entry : d.entries)
-                values.push_back(entry.toStdString());
-            return OrvErrorSuccess;
-        });
+        return read(Op::GetValues,
+                    [&](FeatureData& d, Slot&)
+                    {
+                        if (d.type != OrvFeatureDataEnum)
+                            return OrvErrorWrongType;
+                        values.clear();
+                        for (const QString& entry : d.entries)
+                            values.push_back(entry.toStdString());
+                        return OrvErrorSuccess;
+                    });
     }
 
     OrvErrorType GetValue(std::string& value) override
     {
-        return read(Op::GetString, [&](FeatureData& d, Slot& s) {
-            if (d.type == OrvFeatureDataCommand || d.type == OrvFeatureDataRaw)
-                return OrvErrorWrongType;
-            value = typeName(d.type, s.value).toStdString();
-            return OrvErrorSuccess;
-        });
+        return read(Op::GetString,
+                    [&](FeatureData& d, Slot& s)
+                    {
+                        if (d.type == OrvFeatureDataCommand || d.type == OrvFeatureDataRaw)
+                            return OrvErrorWrongType;
+                        value = typeName(d.type, s.value).toStdString();
+                        return OrvErrorSuccess;
+                    });
     }
 
     OrvErrorType GetValue(double& value) override
     {
-        return read(Op::GetDouble, [&](FeatureData& d, Slot& s) {
-            if (d.type != OrvFeatureDataFloat)
-                return OrvErrorWrongType;
-            value = s.value.toDouble();
-            return OrvErrorSuccess;
-        });
+        return read(Op::GetDouble,
+                    [&](FeatureData& d, Slot& s)
+                    {
+                        if (d.type != OrvFeatureDataFloat)
+                            return OrvErrorWrongType;
+                        value = s.value.toDouble();
+                        return OrvErrorSuccess;
+                    });
     }
 
     OrvErrorType GetValue(long long& value) override
     {
-        return read(Op::GetInt, [&](FeatureData& d, Slot& s) {
-            if (d.type != OrvFeatureDataInt)
-                return OrvErrorWrongType;
-            value = s.value.toLongLong();
-            return OrvErrorSuccess;
-        });
+        return read(Op::GetInt,
+                    [&](FeatureData& d, Slot& s)
+                    {
+                        if (d.type != OrvFeatureDataInt)
+                            return OrvErrorWrongType;
+                        value = s.value.toLongLong();
+                        return OrvErrorSuccess;
+                    });
     }
 
     OrvErrorType GetValue(bool& value) override
     {
-        return read(Op::GetBool, [&](FeatureData& d, Slot& s) {
-            if (d.type != OrvFeatureDataBool)
-                return OrvErrorWrongType;
-            value = s.value.toBool();
-            return OrvErrorSuccess;
-        });
+        return read(Op::GetBool,
+                    [&](FeatureData& d, Slot& s)
+                    {
+                        if (d.type != OrvFeatureDataBool)
+                            return OrvErrorWrongType;
+                        value = s.value.toBool();
+                        return OrvErrorSuccess;
+                    });
     }
 
     OrvErrorType GetRange(double& minimum, double& maximum) override
     {
-        return read(Op::GetRangeDouble, [&](FeatureData& d, Slot&) {
-            if (d.type != OrvFeatureDataFloat)
-                return OrvErrorWrongType;
-            minimum = d.minimum;
-            maximum = d.maximum;
-            return OrvErrorSuccess;
-        });
+        return read(Op::GetRangeDouble,
+                    [&](FeatureData& d, Slot&)
+                    {
+                        if (d.type != OrvFeatureDataFloat)
+                            return OrvErrorWrongType;
+                        minimum = d.minimum;
+                        maximum = d.maximum;
+                        return OrvErrorSuccess;
+                    });
     }
 
     OrvErrorType GetRange(long long& minimum, long long& maximum) override
     {
-        return read(Op::GetRangeInt, [&](FeatureData& d, Slot&) {
-            if (d.type != OrvFeatureDataInt)
-                return OrvErrorWrongType;
-            minimum = static_cast<long long>(d.minimum);
-            maximum = static_cast<long long>(d.maximum);
-            return OrvErrorSuccess;
-        });
+        return read(Op::GetRangeInt,
+                    [&](FeatureData& d, Slot&)
+                    {
+                        if (d.type != OrvFeatureDataInt)
+                            return OrvErrorWrongType;
+                        minimum = static_cast<long long>(d.minimum);
+                        maximum = static_cast<long long>(d.maximum);
+                        return OrvErrorSuccess;
+                    });
     }
 
     OrvErrorType GetIncrement(double& increment) override
     {
-        return read(Op::GetIncrementDouble, [&](FeatureData& d, Slot&) {
-            if (d.type != OrvFeatureDataFloat || d.increment <= 0.0)
-                return OrvErrorWrongType;
-            increment = d.increment;
-            return OrvErrorSuccess;
-        });
+        return read(Op::GetIncrementDouble,
+                    [&](FeatureData& d, Slot&)
+                    {
+                        if (d.type != OrvFeatureDataFloat || d.increment <= 0.0)
+                            return OrvErrorWrongType;
+                        increment = d.increment;
+                        return OrvErrorSuccess;
+                    });
     }
 
     OrvErrorType GetIncrement(long long& increment) override
     {
-        return read(Op::GetIncrementInt, [&](FeatureData& d, Slot&) {
-            if (d.type != OrvFeatureDataInt || d.increment <= 0.0)
-                return OrvErrorWrongType;
-            increment = static_cast<long long>(d.increment);
-            return OrvErrorSuccess;
-        });
+        return read(Op::GetIncrementInt,
+                    [&](FeatureData& d, Slot&)
+                    {
+                        if (d.type != OrvFeatureDataInt || d.increment <= 0.0)
+                            return OrvErrorWrongType;
+                        increment = static_cast<long long>(d.increment);
+                        return OrvErrorSuccess;
+                    });
     }
 
     OrvErrorType SetValue(double value) override
@@ -365,30 +397,34 @@ public:
 
     OrvErrorType RegisterObserver(const OrvCPP::shared_ptr<OrvCPP::IFeatureObserver>& observer) override
     {
-        return read(Op::RegisterObserver, [&](FeatureData& d, Slot&) {
-            if (!observer)
-                return OrvErrorBadParameter;
-            for (const auto& o : d.observers)
-                if (o == observer)
-                    return OrvErrorInvalidCall;
-            d.observers.push_back(observer);
-            return OrvErrorSuccess;
-        });
+        return read(Op::RegisterObserver,
+                    [&](FeatureData& d, Slot&)
+                    {
+                        if (!observer)
+                            return OrvErrorBadParameter;
+                        for (const auto& o : d.observers)
+                            if (o == observer)
+                                return OrvErrorInvalidCall;
+                        d.observers.push_back(observer);
+                        return OrvErrorSuccess;
+                    });
     }
 
     OrvErrorType UnregisterObserver(const OrvCPP::shared_ptr<OrvCPP::IFeatureObserver>& observer) override
     {
-        return read(Op::UnregisterObserver, [&](FeatureData& d, Slot&) {
-            for (auto it = d.observers.begin(); it != d.observers.end(); ++it)
-            {
-                if (*it == observer)
-                {
-                    d.observers.erase(it);
-                    return OrvErrorSuccess;
-                }
-            }
-            return OrvErrorInvalidCall;
-        });
+        return read(Op::UnregisterObserver,
+                    [&](FeatureData& d, Slot&)
+                    {
+                        for (auto it = d.observers.begin(); it != d.observers.end(); ++it)
+                        {
+                            if (*it == observer)
+                            {
+                                d.observers.erase(it);
+                                return OrvErrorSuccess;
+                            }
+                        }
+                        return OrvErrorInvalidCall;
+                    });
     }
 
 private:
@@ -397,8 +433,7 @@ private:
         return code == OrvErrorSuccess ? QString() : QStringLiteral(" refused %1").arg(code);
     }
 
-    template <typename Body>
-    OrvErrorType read(Op op, Body body)
+    template <typename Body> OrvErrorType read(Op op, Body body)
     {
         std::shared_ptr<Core> core = m_core.lock();
         if (!core)
@@ -433,8 +468,8 @@ private:
             if (v < d.minimum || v > d.maximum)
                 code = OrvErrorInvalidValue;
             else if (d.type == OrvFeatureDataInt && d.increment > 0 &&
-                     (value.toLongLong() - static_cast<long long>(d.minimum)) %
-                             static_cast<long long>(d.increment) != 0)
+                     (value.toLongLong() - static_cast<long long>(d.minimum)) % static_cast<long long>(d.increment) !=
+                         0)
                 code = OrvErrorInvalidValue;
         }
         if (code == OrvErrorSuccess && d.type == OrvFeatureDataEnum)
@@ -592,8 +627,7 @@ FeatureSetup TestCamera::addInt(const QString& name, long long value, long long 
     return setup;
 }
 
-FeatureSetup TestCamera::addFloat(const QString& name, double value, double minimum, double maximum,
-                                  double increment)
+FeatureSetup TestCamera::addFloat(const QString& name, double value, double minimum, double maximum, double increment)
 {
     FeatureSetup setup = add(name, OrvFeatureDataFloat, QVariant(value));
     std::lock_guard<std::recursive_mutex> lock(m_core->mutex);

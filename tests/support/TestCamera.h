@@ -19,7 +19,8 @@
 //   cam.addEnum("LineMode", {"Input", "Output"}, "Input").selectedBy("LineSelector")
 //       .setAt("Line1", "Output");
 //   FeatureList features = cam.features();
-namespace TestCam {
+namespace TestCam
+{
 
 // Operations of a feature, for call counts and fault injection.
 enum class Op

@@ -8,7 +8,8 @@
 using TestCam::Op;
 using TestCam::TestCamera;
 
-namespace {
+namespace
+{
 
 // A tab that records what each refresh pass was given.
 class ProbeTab : public BaseTabPluginWidget

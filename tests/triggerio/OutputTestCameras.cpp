@@ -1,9 +1,10 @@
 #include "OutputTestCameras.h"
 
-namespace OutputCams {
+namespace OutputCams
+{
 
 TestCam::FeatureSetup lineFamily(TestCam::TestCamera& cam, const QStringList& modes, bool userOutputs,
-                const QString& inverterDisplayName)
+                                 const QString& inverterDisplayName)
 {
     QStringList lines;
     for (int i = 0; i < modes.size(); ++i)
@@ -41,7 +42,8 @@ void syncOutFamily(TestCam::TestCamera& cam, int outputs, bool lineOutNames)
 
 QStringList MessageLog::lines;
 
-namespace {
+namespace
+{
 void collect(QtMsgType, const QMessageLogContext&, const QString& message)
 {
     MessageLog::lines << message;

@@ -8,7 +8,8 @@
 
 // Cameras of both output families for the tests of the Output and Selectable
 // Output groups. Every selector-dependent feature holds one value per line.
-namespace OutputCams {
+namespace OutputCams
+{
 
 const QStringList LineSources{"Off", "Direct", "UserOutput0", "UserOutput1", "UserOutput2", "ExposureActive"};
 const QStringList SyncSources{"GPO", "Exposing", "Readout", "Imaging"};
@@ -20,7 +21,7 @@ const QStringList SyncSources{"GPO", "Exposing", "Readout", "Imaging"};
 // The inverter's display name is its feature name unless one is given. Returns the
 // set-up of "LineMode", for making lines switchable.
 TestCam::FeatureSetup lineFamily(TestCam::TestCamera& cam, const QStringList& modes, bool userOutputs = true,
-                const QString& inverterDisplayName = QString());
+                                 const QString& inverterDisplayName = QString());
 
 // Sync-out family with `outputs` entries "SyncOut1", "SyncOut2", ... (selected the
 // first), sources starting at "Exposing", polarity "Normal", levels 0. Features named

@@ -22,8 +22,8 @@ public:
     using IOTriggerWidget::m_OptionalOutCombos;
     using IOTriggerWidget::m_OptionalOutputs;
     using IOTriggerWidget::m_OutLineLabels;
-    using IOTriggerWidget::m_Outputs;
     using IOTriggerWidget::m_OutputRows;
+    using IOTriggerWidget::m_Outputs;
     using IOTriggerWidget::m_OutsIndex;
     using IOTriggerWidget::m_pButtonBulk;
     using IOTriggerWidget::m_pButtonEdge;

@@ -1,13 +1,15 @@
 #include "TriggerTestCameras.h"
 
-namespace TriggerCams {
+namespace TriggerCams
+{
 
-namespace {
+namespace
+{
 
 using TestCam::TestCamera;
 
-void addTrigger(TestCamera& cam, const QStringList& selectors, const QStringList& sources,
-                QStringList activations, const Options& options)
+void addTrigger(TestCamera& cam, const QStringList& selectors, const QStringList& sources, QStringList activations,
+                const Options& options)
 {
     cam.addEnum("TriggerSelector", selectors, selectors.first());
     cam.addEnum("TriggerMode", {"Off", "On"}, "Off")
@@ -44,8 +46,7 @@ void build(TestCamera& cam, Family family, const Options& options)
         break;
     case Family::ExposureAuto:
         cam.addInt("SyncOutLevels", 0, 0, 15);
-        addTrigger(cam, {"FrameStart", "AcquisitionStart", "AcquisitionEnd"},
-                   {"Freerun", "Line1", "Line2", "Software"},
+        addTrigger(cam, {"FrameStart", "AcquisitionStart", "AcquisitionEnd"}, {"Freerun", "Line1", "Line2", "Software"},
                    {"RisingEdge", "FallingEdge", "AnyEdge", "LevelHigh", "LevelLow"}, options);
         cam.addEnum("ExposureAuto", {"Off", "Once", "Continuous", "other"}, "Continuous");
         cam.addEnum("ExposureMode", {"Timed", "TriggerWidth"}, options.exposureMode);

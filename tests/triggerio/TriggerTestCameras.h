@@ -16,7 +16,8 @@
 //   Neither      trigger and acquisition features, no exposure control
 // All start with the trigger off, acquisition "SingleFrame", frame count 1 of
 // 1..255 and a trigger source other than the presets choose.
-namespace TriggerCams {
+namespace TriggerCams
+{
 
 enum class Family
 {

@@ -6,7 +6,8 @@
 
 using TestCam::TestCamera;
 
-namespace {
+namespace
+{
 
 enum Family
 {
@@ -74,8 +75,8 @@ void tst_OutputEdits::refreshKeepsSelectors_data()
 {
     QTest::addColumn<int>("family");
     QTest::addColumn<QStringList>("changed");
-    const QStringList all{"LineSource", "SyncOutSource", "LineOutSource", "LineInverter", "SyncOutPolarity",
-                          "LineOutPolarity", "LineStatus", "SyncOutLevels", "UserOutSelector", "UserOutputValue"};
+    const QStringList all{"LineSource",      "SyncOutSource", "LineOutSource", "LineInverter",    "SyncOutPolarity",
+                          "LineOutPolarity", "LineStatus",    "SyncOutLevels", "UserOutSelector", "UserOutputValue"};
     for (int family : {LineFamily, SyncOutFamily, LineOutFamily})
     {
         const QString name = family == LineFamily ? "line " : prefix(family) + " ";
@@ -154,8 +155,8 @@ void tst_OutputEdits::invertRefreshRestores_data()
     QTest::addColumn<int>("family");
     QTest::addColumn<QStringList>("journal");
     QTest::newRow("line family, once at the end")
-        << int(LineFamily) << QStringList{"LineSelector=Line1", "LineSelector=Line2", "LineSelector=Line3",
-                                          "LineSelector=Line0"};
+        << int(LineFamily)
+        << QStringList{"LineSelector=Line1", "LineSelector=Line2", "LineSelector=Line3", "LineSelector=Line0"};
     QTest::newRow("sync-out family, after every row")
         << int(SyncOutFamily)
         << QStringList{"SyncOutSelector=SyncOut1", "SyncOutSelector=SyncOut1", "SyncOutSelector=SyncOut2",
@@ -187,9 +188,9 @@ void tst_OutputEdits::sourceEditLineFamily()
     cam.clearJournal();
 
     tab.m_OutputRows.at(1)->m_pComboSource->setCurrentText("UserOutput1");
-    QCOMPARE(cam.journal(), (QStringList{"LineSelector=Line1", "LineSelector=Line2", "LineSource=UserOutput1",
-                                         "LineSelector=Line3", "LineSelector=Line0",
-                                         "UserOutputSelector=UserOutput1", "UserOutputSelector=UserOutput0"}));
+    QCOMPARE(cam.journal(),
+             (QStringList{"LineSelector=Line1", "LineSelector=Line2", "LineSource=UserOutput1", "LineSelector=Line3",
+                          "LineSelector=Line0", "UserOutputSelector=UserOutput1", "UserOutputSelector=UserOutput0"}));
     QCOMPARE(cam.valueAt("LineSource", "Line2"), QString("UserOutput1"));
     QCOMPARE(tab.m_OutputRows.at(1)->m_pComboUserOutSelector->currentText(), QString("UserOutput1"));
     QCOMPARE(enabled(tab, &OutputRow::m_pCBUserValue), (QList<bool>{false, true, false}));
@@ -232,17 +233,18 @@ void tst_OutputEdits::invertEditWritesEveryRow_data()
 {
     QTest::addColumn<int>("family");
     QTest::addColumn<QStringList>("journal");
-    QTest::newRow("line family")
-        << int(LineFamily)
-        << QStringList{"LineSelector=Line1", "LineInverter=false", "LineSelector=Line2", "LineInverter=true",
-                       "LineSelector=Line3", "LineInverter=false", "LineSelector=Line0",
-                       // the state refresh that follows
-                       "LineSelector=Line1", "LineSelector=Line2", "LineSelector=Line3", "LineSelector=Line0"};
-    QTest::newRow("sync-out family")
-        << int(SyncOutFamily)
-        << QStringList{"SyncOutSelector=SyncOut1", "SyncOutPolarity=Normal", "SyncOutSelector=SyncOut2",
-                       "SyncOutPolarity=Invert",   "SyncOutSelector=SyncOut3", "SyncOutPolarity=Normal",
-                       "SyncOutSelector=SyncOut1"};
+    QTest::newRow("line family") << int(LineFamily)
+                                 << QStringList{"LineSelector=Line1", "LineInverter=false", "LineSelector=Line2",
+                                                "LineInverter=true", "LineSelector=Line3", "LineInverter=false",
+                                                "LineSelector=Line0",
+                                                // the state refresh that follows
+                                                "LineSelector=Line1", "LineSelector=Line2", "LineSelector=Line3",
+                                                "LineSelector=Line0"};
+    QTest::newRow("sync-out family") << int(SyncOutFamily)
+                                     << QStringList{"SyncOutSelector=SyncOut1", "SyncOutPolarity=Normal",
+                                                    "SyncOutSelector=SyncOut2", "SyncOutPolarity=Invert",
+                                                    "SyncOutSelector=SyncOut3", "SyncOutPolarity=Normal",
+                                                    "SyncOutSelector=SyncOut1"};
 }
 
 void tst_OutputEdits::invertEditWritesEveryRow()
@@ -271,9 +273,9 @@ void tst_OutputEdits::statusEditLineFamily()
     cam.clearJournal();
 
     tab.m_OutputRows.at(2)->m_pCBStatus->setChecked(true);
-    QCOMPARE(cam.journal().mid(0, 7), (QStringList{"LineSelector=Line1", "LineStatus=false", "LineSelector=Line2",
-                                                   "LineStatus=false", "LineSelector=Line3", "LineStatus=true",
-                                                   "LineSelector=Line0"}));
+    QCOMPARE(cam.journal().mid(0, 7),
+             (QStringList{"LineSelector=Line1", "LineStatus=false", "LineSelector=Line2", "LineStatus=false",
+                          "LineSelector=Line3", "LineStatus=true", "LineSelector=Line0"}));
     QCOMPARE(cam.valueAt("LineStatus", "Line3"), QString("true"));
     QCOMPARE(cam.value("LineSelector"), QString("Line0"));
 }
@@ -319,8 +321,8 @@ void tst_OutputEdits::syncLevelsRefresh_data()
     // Only "SyncOutLevels" refreshes the mask; a change of "LineOutLevels" alone does not.
     QTest::newRow("LineOutLevels alone") << int(LineOutFamily) << "LineOutLevels" << 6
                                          << QList<bool>{true, false, false} << "1";
-    QTest::newRow("LineOutLevels via SyncOutLevels") << int(LineOutFamily) << "SyncOutLevels" << 6
-                                                     << QList<bool>{false, true, true} << "6";
+    QTest::newRow("LineOutLevels via SyncOutLevels")
+        << int(LineOutFamily) << "SyncOutLevels" << 6 << QList<bool>{false, true, true} << "6";
 }
 
 void tst_OutputEdits::syncLevelsRefresh()

@@ -7,7 +7,8 @@
 using TestCam::Op;
 using TestCam::TestCamera;
 
-namespace {
+namespace
+{
 
 QWidget* widgetAt(QGridLayout* grid, int row, int column)
 {
@@ -149,8 +150,8 @@ void tst_OutputRows::groupHeight()
     if (family == 1)
         OutputCams::syncOutFamily(cam, outputs);
     else
-        OutputCams::lineFamily(cam, outputs ? QStringList{"Output", "Output", "Input", "Output"}
-                                            : QStringList{"Input"});
+        OutputCams::lineFamily(cam,
+                               outputs ? QStringList{"Output", "Output", "Input", "Output"} : QStringList{"Input"});
     TabAccess tab(cam.features(), nullptr);
     QCOMPARE(tab.m_OutputRows.size(), outputs);
     QCOMPARE(tab.ui.gb_Output->minimumHeight(), height);
@@ -164,13 +165,21 @@ void tst_OutputRows::headerTexts_data()
     QTest::addColumn<QString>("inverterDisplayName");
     QTest::addColumn<QString>("source");
     QTest::addColumn<QString>("invert");
-    QTest::newRow("line family") << 0 << QStringList() << "Line Inverter" << "LineSource:" << "Invert:";
-    QTest::newRow("inverter shown as polarity") << 0 << QStringList() << "Output Polarity" << "LineSource:"
+    QTest::newRow("line family") << 0 << QStringList() << "Line Inverter"
+                                 << "LineSource:"
+                                 << "Invert:";
+    QTest::newRow("inverter shown as polarity") << 0 << QStringList() << "Output Polarity"
+                                                << "LineSource:"
                                                 << "Polarity:";
-    QTest::newRow("LineOutSource before LineSource") << 0 << QStringList{"LineOutSource"} << "" << "LineOutSource:"
+    QTest::newRow("LineOutSource before LineSource") << 0 << QStringList{"LineOutSource"} << ""
+                                                     << "LineOutSource:"
                                                      << "Invert:";
-    QTest::newRow("sync-out family") << 1 << QStringList() << "" << "SyncOutSource:" << "Polarity:";
-    QTest::newRow("line-out names") << 2 << QStringList() << "" << "LineOutSource:" << "Polarity:";
+    QTest::newRow("sync-out family") << 1 << QStringList() << ""
+                                     << "SyncOutSource:"
+                                     << "Polarity:";
+    QTest::newRow("line-out names") << 2 << QStringList() << ""
+                                    << "LineOutSource:"
+                                    << "Polarity:";
 }
 
 void tst_OutputRows::headerTexts()
@@ -215,8 +224,8 @@ void tst_OutputRows::rowLayout()
     QCOMPARE(widgetAt(grid, 2, 3), row.m_pCBStatus.data());
     QCOMPARE(widgetAt(grid, 2, 4), row.m_pComboUserOutSelector.data());
     QCOMPARE(widgetAt(grid, 2, 5), row.m_pCBUserValue.data());
-    const Qt::Alignment expected[] = {Qt::AlignLeft, Qt::Alignment(), Qt::AlignCenter, Qt::AlignCenter,
-                                      Qt::Alignment(), Qt::AlignCenter};
+    const Qt::Alignment expected[] = {Qt::AlignLeft,   Qt::Alignment(), Qt::AlignCenter,
+                                      Qt::AlignCenter, Qt::Alignment(), Qt::AlignCenter};
     for (int column = 0; column < 6; ++column)
         QCOMPARE(alignmentAt(grid, 2, column), expected[column]);
 

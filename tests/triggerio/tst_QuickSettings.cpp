@@ -25,7 +25,8 @@ private slots:
     void responsiveDuringPreset();
 };
 
-namespace {
+namespace
+{
 
 QPushButton* button(TabAccess& tab, const QString& preset)
 {
@@ -61,106 +62,121 @@ void tst_QuickSettings::presets_data()
     smallCount.frameCountMaximum = 5;
 
     // Routing family
-    QTest::newRow("routing Edge")
-        << Family::Routing << plain << "Edge"
-        << refillRouting + QStringList{"TriggerSelector=ExposureStart", "TriggerSource=InputLines",
-                                       "TriggerActivation=FallingEdge", "LineRouting=Trigger",
-                                       "AcquisitionMode=Continuous", "TriggerMode=On"}
-        << 1;
+    QTest::newRow("routing Edge") << Family::Routing << plain << "Edge"
+                                  << refillRouting +
+                                         QStringList{"TriggerSelector=ExposureStart", "TriggerSource=InputLines",
+                                                     "TriggerActivation=FallingEdge", "LineRouting=Trigger",
+                                                     "AcquisitionMode=Continuous",    "TriggerMode=On"}
+                                  << 1;
     // The mode goes on early; every selector change then turns it off and on around the write.
-    QTest::newRow("routing Level")
-        << Family::Routing << plain << "Level"
-        << QStringList{"TriggerSource=InputLines", "TriggerMode=On", "ExposureMode=TriggerWidth",
-                       "TriggerMode=Off", "TriggerSelector= refused -7", "TriggerMode=On",
-                       "TriggerMode=Off", "TriggerSelector=AcquisitionStart", "TriggerMode=On",
-                       "TriggerMode=Off", "TriggerSelector=ExposureActive", "TriggerMode=On",
-                       "TriggerActivation=LowLevel", "LineRouting=Trigger", "AcquisitionMode=Continuous"}
-        << 0;
-    const QStringList bulkRouting{"TriggerSelector=ExposureStart", "TriggerSource=InputLines",
-                                  "TriggerSelector=AcquisitionStart", "LineRouting=Trigger",
-                                  "AcquisitionFrameCount=10", "AcquisitionMode=MultiFrame", "TriggerMode=On"};
+    QTest::newRow("routing Level") << Family::Routing << plain << "Level"
+                                   << QStringList{"TriggerSource=InputLines",
+                                                  "TriggerMode=On",
+                                                  "ExposureMode=TriggerWidth",
+                                                  "TriggerMode=Off",
+                                                  "TriggerSelector= refused -7",
+                                                  "TriggerMode=On",
+                                                  "TriggerMode=Off",
+                                                  "TriggerSelector=AcquisitionStart",
+                                                  "TriggerMode=On",
+                                                  "TriggerMode=Off",
+                                                  "TriggerSelector=ExposureActive",
+                                                  "TriggerMode=On",
+                                                  "TriggerActivation=LowLevel",
+                                                  "LineRouting=Trigger",
+                                                  "AcquisitionMode=Continuous"}
+                                   << 0;
+    const QStringList bulkRouting{"TriggerSelector=ExposureStart",
+                                  "TriggerSource=InputLines",
+                                  "TriggerSelector=AcquisitionStart",
+                                  "LineRouting=Trigger",
+                                  "AcquisitionFrameCount=10",
+                                  "AcquisitionMode=MultiFrame",
+                                  "TriggerMode=On"};
     // "FallinEdge" is not offered: the activation step is skipped.
     QTest::newRow("routing Bulk") << Family::Routing << plain << "Bulk" << refillRouting + bulkRouting << 1;
     QTest::newRow("routing Bulk, FallinEdge offered")
         << Family::Routing << fallin << "Bulk"
         << refillRouting + QStringList{"TriggerSelector=ExposureStart", "TriggerSource=InputLines",
-                                       "TriggerActivation=FallinEdge", "TriggerSelector=AcquisitionStart",
-                                       "LineRouting=Trigger", "AcquisitionFrameCount=10",
-                                       "AcquisitionMode=MultiFrame", "TriggerMode=On"}
+                                       "TriggerActivation=FallinEdge",  "TriggerSelector=AcquisitionStart",
+                                       "LineRouting=Trigger",           "AcquisitionFrameCount=10",
+                                       "AcquisitionMode=MultiFrame",    "TriggerMode=On"}
         << 1;
     // From "TriggerWidth" the whole Edge preset runs first; Bulk then works on
     // the state Edge left (trigger on, routing checked).
     QTest::newRow("routing Bulk from TriggerWidth")
         << Family::Routing << triggerWidth << "Bulk"
         << QStringList{"ExposureMode=Timed"} + refillRouting +
-               QStringList{"TriggerSelector=ExposureStart", "TriggerSource=InputLines",
-                           "TriggerActivation=FallingEdge", "LineRouting=Trigger", "AcquisitionMode=Continuous",
-                           "TriggerMode=On",
+               QStringList{"TriggerSelector=ExposureStart", "TriggerSource=InputLines", "TriggerActivation=FallingEdge",
+                           "LineRouting=Trigger", "AcquisitionMode=Continuous", "TriggerMode=On",
                            // Bulk: refilling the selector hands the active trigger over three times
-                           "TriggerMode=Off", "TriggerSelector= refused -7", "TriggerMode=On",
-                           "TriggerMode=Off", "TriggerSelector=AcquisitionStart", "TriggerMode=On",
-                           "TriggerMode=Off", "TriggerSelector=ExposureStart", "TriggerMode=On",
-                           "TriggerMode=Off", "TriggerSelector=AcquisitionStart", "AcquisitionFrameCount=10",
-                           "AcquisitionMode=MultiFrame", "TriggerMode=On"}
+                           "TriggerMode=Off", "TriggerSelector= refused -7", "TriggerMode=On", "TriggerMode=Off",
+                           "TriggerSelector=AcquisitionStart", "TriggerMode=On", "TriggerMode=Off",
+                           "TriggerSelector=ExposureStart", "TriggerMode=On", "TriggerMode=Off",
+                           "TriggerSelector=AcquisitionStart", "AcquisitionFrameCount=10", "AcquisitionMode=MultiFrame",
+                           "TriggerMode=On"}
         << 2;
 
     // Exposure-auto family: every selector is switched off first.
-    const QStringList allOff{"TriggerMode=Off", "TriggerSelector=AcquisitionStart",
-                             "TriggerSelector=AcquisitionEnd"};
-    QTest::newRow("exposure-auto Edge")
-        << Family::ExposureAuto << triggerOn << "Edge"
-        << allOff + QStringList{"TriggerSelector=FrameStart", "TriggerActivation=FallingEdge",
-                                "TriggerSource=Line1", "AcquisitionMode=Continuous", "ExposureAuto=Off",
-                                "TriggerMode=On"}
-        << 1;
-    QTest::newRow("exposure-auto Level")
-        << Family::ExposureAuto << triggerOn << "Level"
-        << allOff + QStringList{"TriggerSelector=FrameStart", "TriggerSource=Line1", "AcquisitionMode=Continuous",
-                                "ExposureAuto=other", "TriggerActivation=LevelLow", "TriggerMode=On"}
-        << 0;
-    QTest::newRow("exposure-auto Bulk")
-        << Family::ExposureAuto << triggerOn << "Bulk"
-        << allOff + QStringList{"TriggerSelector=AcquisitionStart", "TriggerSource=Line1",
-                                "AcquisitionMode=MultiFrame", "ExposureAuto=Off", "AcquisitionFrameCount=10",
-                                "TriggerMode=On"}
-        << 1;
+    const QStringList allOff{"TriggerMode=Off", "TriggerSelector=AcquisitionStart", "TriggerSelector=AcquisitionEnd"};
+    QTest::newRow("exposure-auto Edge") << Family::ExposureAuto << triggerOn << "Edge"
+                                        << allOff +
+                                               QStringList{
+                                                   "TriggerSelector=FrameStart", "TriggerActivation=FallingEdge",
+                                                   "TriggerSource=Line1",        "AcquisitionMode=Continuous",
+                                                   "ExposureAuto=Off",           "TriggerMode=On"}
+                                        << 1;
+    QTest::newRow("exposure-auto Level") << Family::ExposureAuto << triggerOn << "Level"
+                                         << allOff + QStringList{"TriggerSelector=FrameStart", "TriggerSource=Line1",
+                                                                 "AcquisitionMode=Continuous", "ExposureAuto=other",
+                                                                 "TriggerActivation=LevelLow", "TriggerMode=On"}
+                                         << 0;
+    QTest::newRow("exposure-auto Bulk") << Family::ExposureAuto << triggerOn << "Bulk"
+                                        << allOff +
+                                               QStringList{"TriggerSelector=AcquisitionStart", "TriggerSource=Line1",
+                                                           "AcquisitionMode=MultiFrame",       "ExposureAuto=Off",
+                                                           "AcquisitionFrameCount=10",         "TriggerMode=On"}
+                                        << 1;
     TriggerCams::Options fallinOn = fallin;
     fallinOn.firstTriggerMode = "On";
-    QTest::newRow("exposure-auto Bulk, FallinEdge offered")
-        << Family::ExposureAuto << fallinOn << "Bulk"
-        << allOff + QStringList{"TriggerSelector=AcquisitionStart", "TriggerSource=Line1",
-                                "AcquisitionMode=MultiFrame", "ExposureAuto=Off", "AcquisitionFrameCount=10",
-                                "TriggerActivation=FallinEdge", "TriggerMode=On"}
-        << 1;
+    QTest::newRow("exposure-auto Bulk, FallinEdge offered") << Family::ExposureAuto << fallinOn << "Bulk"
+                                                            << allOff + QStringList{"TriggerSelector=AcquisitionStart",
+                                                                                    "TriggerSource=Line1",
+                                                                                    "AcquisitionMode=MultiFrame",
+                                                                                    "ExposureAuto=Off",
+                                                                                    "AcquisitionFrameCount=10",
+                                                                                    "TriggerActivation=FallinEdge",
+                                                                                    "TriggerMode=On"}
+                                                            << 1;
     QTest::newRow("exposure-auto Bulk, frame count at most 5")
         << Family::ExposureAuto << smallCount << "Bulk"
         << allOff + QStringList{"TriggerSelector=AcquisitionStart", "TriggerSource=Line1",
-                                "AcquisitionMode=MultiFrame", "ExposureAuto=Off", "AcquisitionFrameCount=5",
-                                "TriggerMode=On"}
+                                "AcquisitionMode=MultiFrame",       "ExposureAuto=Off",
+                                "AcquisitionFrameCount=5",          "TriggerMode=On"}
         << 1;
 
     // Exposure-mode family: the first input line (Line1) is found by probing the lines.
     const QStringList probe{"LineSelector=Line0", "LineSelector=Line0", "LineSelector=Line1"};
-    QTest::newRow("exposure-mode Edge")
-        << Family::ExposureMode << triggerOn << "Edge"
-        << QStringList{"TriggerSelector=AcquisitionStart", "TriggerMode=Off", "TriggerSelector=FrameStart"} + probe +
-               QStringList{"TriggerSource=Line1", "TriggerActivation=FallingEdge", "AcquisitionMode=Continuous",
-                           "TriggerMode=On"}
-        << 1;
-    QTest::newRow("exposure-mode Level")
-        << Family::ExposureMode << triggerOn << "Level"
-        << QStringList{"ExposureMode=TriggerWidth", "TriggerSelector=AcquisitionStart", "TriggerMode=Off",
-                       "TriggerSelector=FrameStart"} +
-               probe +
-               QStringList{"TriggerSource=Line1", "TriggerActivation=FallingEdge", "AcquisitionMode=Continuous",
-                           "TriggerMode=On"}
-        << 0;
-    QTest::newRow("exposure-mode Bulk")
-        << Family::ExposureMode << triggerOn << "Bulk"
-        << QStringList{"TriggerMode=Off", "TriggerSelector=AcquisitionStart"} + probe +
-               QStringList{"TriggerSource=Line1", "TriggerActivation=FallingEdge", "AcquisitionMode=MultiFrame",
-                           "AcquisitionFrameCount=10", "TriggerMode=On"}
-        << 1;
+    QTest::newRow("exposure-mode Edge") << Family::ExposureMode << triggerOn << "Edge"
+                                        << QStringList{"TriggerSelector=AcquisitionStart", "TriggerMode=Off",
+                                                       "TriggerSelector=FrameStart"} +
+                                               probe +
+                                               QStringList{"TriggerSource=Line1", "TriggerActivation=FallingEdge",
+                                                           "AcquisitionMode=Continuous", "TriggerMode=On"}
+                                        << 1;
+    QTest::newRow("exposure-mode Level") << Family::ExposureMode << triggerOn << "Level"
+                                         << QStringList{"ExposureMode=TriggerWidth", "TriggerSelector=AcquisitionStart",
+                                                        "TriggerMode=Off", "TriggerSelector=FrameStart"} +
+                                                probe +
+                                                QStringList{"TriggerSource=Line1", "TriggerActivation=FallingEdge",
+                                                            "AcquisitionMode=Continuous", "TriggerMode=On"}
+                                         << 0;
+    QTest::newRow("exposure-mode Bulk") << Family::ExposureMode << triggerOn << "Bulk"
+                                        << QStringList{"TriggerMode=Off", "TriggerSelector=AcquisitionStart"} + probe +
+                                               QStringList{"TriggerSource=Line1", "TriggerActivation=FallingEdge",
+                                                           "AcquisitionMode=MultiFrame", "AcquisitionFrameCount=10",
+                                                           "TriggerMode=On"}
+                                        << 1;
 
     // No exposure control: nothing is written, only the frame steps run.
     QTest::newRow("neither Edge") << Family::Neither << triggerOn << "Edge" << QStringList() << 1;
@@ -205,8 +221,7 @@ void tst_QuickSettings::responsiveDuringPreset_data()
     QTest::addColumn<QString>("notified"); // a feature the preset does not write before it processes events
 
     QTest::newRow("routing Edge (waits)") << Family::Routing << "Edge" << 0 << "LineSelector";
-    QTest::newRow("exposure-mode Level (processes events)") << Family::ExposureMode << "Level" << 1
-                                                            << "LineSelector";
+    QTest::newRow("exposure-mode Level (processes events)") << Family::ExposureMode << "Level" << 1 << "LineSelector";
 }
 
 void tst_QuickSettings::responsiveDuringPreset()
@@ -235,15 +250,17 @@ void tst_QuickSettings::responsiveDuringPreset()
     int observersAtTick = -1;
     QTimer timer;
     timer.setInterval(0);
-    connect(&timer, &QTimer::timeout, [&] {
-        if (ticks++ > 0)
-            return;
-        writesAtTick = cam.journal().size();
-        changedAtTick = *tab.m_pChangedFeatures;
-        buttonsEnabledAtTick = tab.m_pButtonEdge->isEnabled() || tab.m_pButtonLevel->isEnabled() ||
-                               tab.m_pButtonBulk->isEnabled();
-        observersAtTick = cam.observerCount("TriggerMode");
-    });
+    connect(&timer, &QTimer::timeout,
+            [&]
+            {
+                if (ticks++ > 0)
+                    return;
+                writesAtTick = cam.journal().size();
+                changedAtTick = *tab.m_pChangedFeatures;
+                buttonsEnabledAtTick =
+                    tab.m_pButtonEdge->isEnabled() || tab.m_pButtonLevel->isEnabled() || tab.m_pButtonBulk->isEnabled();
+                observersAtTick = cam.observerCount("TriggerMode");
+            });
     timer.start();
 
     button(tab, preset)->click();

@@ -11,7 +11,8 @@
 
 using TestCam::TestCamera;
 
-namespace {
+namespace
+{
 
 enum class Camera
 {
@@ -82,8 +83,7 @@ void tst_RefreshDispatch::rules_data()
     QTest::addColumn<QStringList>("readInOrder");
     QTest::addColumn<QStringList>("notRead");
 
-    QTest::newRow("1 TriggerSource") << Camera::Routing << QStringList{"TriggerSource"}
-                                     << QStringList{"TriggerSource"}
+    QTest::newRow("1 TriggerSource") << Camera::Routing << QStringList{"TriggerSource"} << QStringList{"TriggerSource"}
                                      << QStringList{"TriggerActivation", "TriggerSelector", "AcquisitionMode"};
     QTest::newRow("2 TriggerActivation") << Camera::Routing << QStringList{"TriggerActivation"}
                                          << QStringList{"TriggerActivation"}
@@ -94,21 +94,21 @@ void tst_RefreshDispatch::rules_data()
     QTest::newRow("4 TriggerSelector") << Camera::Routing << QStringList{"TriggerSelector"}
                                        << QStringList{"TriggerSelector"}
                                        << QStringList{"TriggerActivation", "TriggerSource"};
-    QTest::newRow("5 frame count alone") << Camera::Routing << QStringList{"AcquisitionFrameCount"}
-                                         << QStringList{} << QStringList{"AcquisitionFrameCount"};
+    QTest::newRow("5 frame count alone") << Camera::Routing << QStringList{"AcquisitionFrameCount"} << QStringList{}
+                                         << QStringList{"AcquisitionFrameCount"};
     QTest::newRow("6 AcquisitionMode") << Camera::Routing << QStringList{"AcquisitionMode"}
                                        << QStringList{"AcquisitionMode", "AcquisitionFrameCount"}
                                        << QStringList{"TriggerSource"};
-    QTest::newRow("7 LineSelector") << Camera::Routing << QStringList{"LineSelector"}
-                                    << QStringList{"LineSelector"} << QStringList{"LineRouting", "TriggerSource"};
+    QTest::newRow("7 LineSelector") << Camera::Routing << QStringList{"LineSelector"} << QStringList{"LineSelector"}
+                                    << QStringList{"LineRouting", "TriggerSource"};
     QTest::newRow("8 LineRouting") << Camera::Routing << QStringList{"LineRouting"} << QStringList{"LineRouting"}
                                    << QStringList{"TriggerSource", "ExposureMode"};
-    QTest::newRow("9 ExposureMode") << Camera::Routing << QStringList{"ExposureMode"}
-                                    << QStringList{"ExposureMode"} << QStringList{"TriggerSource"};
+    QTest::newRow("9 ExposureMode") << Camera::Routing << QStringList{"ExposureMode"} << QStringList{"ExposureMode"}
+                                    << QStringList{"TriggerSource"};
     QTest::newRow("10 ExposureAuto") << Camera::ExposureAuto << QStringList{"ExposureAuto"}
                                      << QStringList{"ExposureAuto"} << QStringList{"ExposureMode", "TriggerSource"};
-    QTest::newRow("11 LineSource") << Camera::LineOutputs << QStringList{"LineSource"}
-                                   << QStringList{"LineSource"} << QStringList{"LineInverter", "LineStatus"};
+    QTest::newRow("11 LineSource") << Camera::LineOutputs << QStringList{"LineSource"} << QStringList{"LineSource"}
+                                   << QStringList{"LineInverter", "LineStatus"};
     QTest::newRow("11 SyncOutSource") << Camera::SyncOutputs << QStringList{"SyncOutSource"}
                                       << QStringList{"SyncOutSource"} << QStringList{"SyncOutPolarity"};
     QTest::newRow("12 LineInverter") << Camera::LineOutputs << QStringList{"LineInverter"}
@@ -119,8 +119,8 @@ void tst_RefreshDispatch::rules_data()
                                    << QStringList{"LineStatus", "LineInverter"} << QStringList{"LineSource"};
     QTest::newRow("14 SyncOutLevels") << Camera::SyncOutputs << QStringList{"SyncOutLevels"}
                                       << QStringList{"SyncOutLevels"} << QStringList{"SyncOutSource"};
-    QTest::newRow("14 LineOutLevels alone") << Camera::LineOutNames << QStringList{"LineOutLevels"}
-                                            << QStringList{} << QStringList{"LineOutLevels"};
+    QTest::newRow("14 LineOutLevels alone")
+        << Camera::LineOutNames << QStringList{"LineOutLevels"} << QStringList{} << QStringList{"LineOutLevels"};
     QTest::newRow("16 UserOutputValue") << Camera::LineOutputs << QStringList{"UserOutputValue"}
                                         << QStringList{"UserOutputValue"} << QStringList{"LineInverter"};
     QTest::newRow("rules 2 and 3 together")
@@ -212,11 +212,16 @@ void tst_RefreshDispatch::lockFollowsStreaming()
     TestCamera cam;
     TriggerCams::build(cam, TriggerCams::Family::ExposureAuto);
     TabAccess tab(cam.features(), nullptr);
-    const QList<QWidget*> locked{tab.m_pComboTriggerSelector,  tab.m_pComboTriggerSource,
-                                 tab.m_pComboExposureAuto,     tab.m_pComboTriggerActivation,
-                                 tab.m_pComboTriggerMode,      tab.m_pComboAcquisitionMode,
-                                 tab.m_pSpinAcquisitionFrameCount, tab.m_pButtonEdge,
-                                 tab.m_pButtonLevel,           tab.m_pButtonBulk};
+    const QList<QWidget*> locked{tab.m_pComboTriggerSelector,
+                                 tab.m_pComboTriggerSource,
+                                 tab.m_pComboExposureAuto,
+                                 tab.m_pComboTriggerActivation,
+                                 tab.m_pComboTriggerMode,
+                                 tab.m_pComboAcquisitionMode,
+                                 tab.m_pSpinAcquisitionFrameCount,
+                                 tab.m_pButtonEdge,
+                                 tab.m_pButtonLevel,
+                                 tab.m_pButtonBulk};
     for (QWidget* widget : locked)
         QVERIFY(widget);
     tab.m_pButtonSWTrigger->setEnabled(true);

@@ -7,7 +7,8 @@
 using TestCam::Op;
 using TestCam::TestCamera;
 
-namespace {
+namespace
+{
 
 // Line0: mode writable but without "Output"; Line1: output, mode read-only;
 // Line2 (output) and Line3 (input): switchable.
@@ -124,9 +125,9 @@ void tst_SelectableOutputs::discoveryRestoresSelectorAfterEveryLine()
     QStringList lines;
     QCOMPARE(tab.GetOptionalOutputs(&lines), 2);
     QCOMPARE(lines, (QStringList{"Line2", "Line3"}));
-    QCOMPARE(cam.journal(), (QStringList{"LineSelector=Line0", "LineSelector=Line0", "LineSelector=Line1",
-                                         "LineSelector=Line0", "LineSelector=Line2", "LineSelector=Line0",
-                                         "LineSelector=Line3", "LineSelector=Line0"}));
+    QCOMPARE(cam.journal(),
+             (QStringList{"LineSelector=Line0", "LineSelector=Line0", "LineSelector=Line1", "LineSelector=Line0",
+                          "LineSelector=Line2", "LineSelector=Line0", "LineSelector=Line3", "LineSelector=Line0"}));
 }
 
 void tst_SelectableOutputs::headerTexts_data()
@@ -134,14 +135,22 @@ void tst_SelectableOutputs::headerTexts_data()
     QTest::addColumn<QStringList>("extra");
     QTest::addColumn<QString>("source");
     QTest::addColumn<QString>("invert");
-    QTest::newRow("line names only") << QStringList() << "LineSource:" << "Invert:";
-    QTest::newRow("LineOutSource") << QStringList{"LineOutSource"} << "LineOutSource:" << "Invert:";
-    QTest::newRow("SynOutSource") << QStringList{"SynOutSource"} << "SyncOutSource:" << "Invert:";
-    QTest::newRow("both sources") << QStringList{"SynOutSource", "LineOutSource"} << "LineOutSource:" << "Invert:";
-    QTest::newRow("SyncOutSource is not looked up") << QStringList{"SyncOutSource"} << "LineSource:" << "Invert:";
-    QTest::newRow("LineOutPolarity") << QStringList{"LineOutPolarity"} << "LineSource:" << "Polarity:";
-    QTest::newRow("SynOutPolarity") << QStringList{"SynOutPolarity"} << "LineSource:" << "Polarity:";
-    QTest::newRow("SyncOutPolarity is not looked up") << QStringList{"SyncOutPolarity"} << "LineSource:" << "Invert:";
+    QTest::newRow("line names only") << QStringList() << "LineSource:"
+                                     << "Invert:";
+    QTest::newRow("LineOutSource") << QStringList{"LineOutSource"} << "LineOutSource:"
+                                   << "Invert:";
+    QTest::newRow("SynOutSource") << QStringList{"SynOutSource"} << "SyncOutSource:"
+                                  << "Invert:";
+    QTest::newRow("both sources") << QStringList{"SynOutSource", "LineOutSource"} << "LineOutSource:"
+                                  << "Invert:";
+    QTest::newRow("SyncOutSource is not looked up") << QStringList{"SyncOutSource"} << "LineSource:"
+                                                    << "Invert:";
+    QTest::newRow("LineOutPolarity") << QStringList{"LineOutPolarity"} << "LineSource:"
+                                     << "Polarity:";
+    QTest::newRow("SynOutPolarity") << QStringList{"SynOutPolarity"} << "LineSource:"
+                                    << "Polarity:";
+    QTest::newRow("SyncOutPolarity is not looked up") << QStringList{"SyncOutPolarity"} << "LineSource:"
+                                                      << "Invert:";
 }
 
 void tst_SelectableOutputs::headerTexts()
@@ -163,7 +172,8 @@ void tst_SelectableOutputs::headerTexts()
     // Flat and in the background colour: it only lines the columns up with the Output group.
     QLabel* first = qobject_cast<QLabel*>(grid->itemAtPosition(0, 1)->widget());
     const QColor window = first->palette().color(QPalette::Window);
-    const QString style = QString("QLabel { color : rgb( %1, %2, %3); }").arg(window.red()).arg(window.green()).arg(window.blue());
+    const QString style =
+        QString("QLabel { color : rgb( %1, %2, %3); }").arg(window.red()).arg(window.green()).arg(window.blue());
     for (int column = 1; column <= 5; ++column)
     {
         QLabel* label = qobject_cast<QLabel*>(grid->itemAtPosition(0, column)->widget());

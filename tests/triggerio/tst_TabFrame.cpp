@@ -74,12 +74,12 @@ void tst_TabFrame::observedFeaturesInOrder()
     cam.addEnum("TriggerMode", {"Off", "On"}, "Off");
     cam.addEnum("UserOutputSelector", {"UserOutput0"}, "UserOutput0");
     TabAccess tab(cam.features(), nullptr);
-    const QStringList expected{"TriggerActivation", "TriggerSource", "TriggerMode", "TriggerSelector",
-                               "AcquisitionFrameCount", "AcquisitionMode", "LineRouting", "LineSelector",
-                               "LineSource", "SyncOutSource", "LineInverter", "SyncOutPolarity",
-                               "LineStatus", "SyncOutLevels", "UserOutSelector", "UserOutputValue",
-                               "LineMode", "LineOutSource", "LineOutPolarity", "LineOutLevels",
-                               "ExposureMode", "ExposureAuto"};
+    const QStringList expected{
+        "TriggerActivation", "TriggerSource",   "TriggerMode",   "TriggerSelector", "AcquisitionFrameCount",
+        "AcquisitionMode",   "LineRouting",     "LineSelector",  "LineSource",      "SyncOutSource",
+        "LineInverter",      "SyncOutPolarity", "LineStatus",    "SyncOutLevels",   "UserOutSelector",
+        "UserOutputValue",   "LineMode",        "LineOutSource", "LineOutPolarity", "LineOutLevels",
+        "ExposureMode",      "ExposureAuto"};
     QCOMPARE(tab.m_ObservedFeatures, expected);
     // Registered on the observed features the camera has, and all of them marked changed.
     QCOMPARE(cam.observerCount("SyncOutLevels"), 1);

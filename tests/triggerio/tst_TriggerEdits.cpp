@@ -33,17 +33,16 @@ private slots:
     void refreshFollowsTheCameraWithoutWriting();
 };
 
-namespace {
+namespace
+{
 
 QComboBox* combo(TabAccess& tab, const QString& feature)
 {
-    const QMap<QString, QComboBox*> combos{{"TriggerSource", tab.m_pComboTriggerSource},
-                                           {"TriggerActivation", tab.m_pComboTriggerActivation},
-                                           {"TriggerMode", tab.m_pComboTriggerMode},
-                                           {"TriggerSelector", tab.m_pComboTriggerSelector},
-                                           {"AcquisitionMode", tab.m_pComboAcquisitionMode},
-                                           {"ExposureMode", tab.m_pComboExposureMode},
-                                           {"ExposureAuto", tab.m_pComboExposureAuto}};
+    const QMap<QString, QComboBox*> combos{
+        {"TriggerSource", tab.m_pComboTriggerSource},     {"TriggerActivation", tab.m_pComboTriggerActivation},
+        {"TriggerMode", tab.m_pComboTriggerMode},         {"TriggerSelector", tab.m_pComboTriggerSelector},
+        {"AcquisitionMode", tab.m_pComboAcquisitionMode}, {"ExposureMode", tab.m_pComboExposureMode},
+        {"ExposureAuto", tab.m_pComboExposureAuto}};
     return combos.value(feature);
 }
 
@@ -55,12 +54,18 @@ void tst_TriggerEdits::comboEdits_data()
     QTest::addColumn<QString>("feature");
     QTest::addColumn<QString>("value");
 
-    QTest::newRow("source") << Family::Routing << "TriggerSource" << "InputLines";
-    QTest::newRow("activation") << Family::Routing << "TriggerActivation" << "LowLevel";
-    QTest::newRow("mode") << Family::Routing << "TriggerMode" << "On";
-    QTest::newRow("acquisition mode") << Family::ExposureMode << "AcquisitionMode" << "MultiFrame";
-    QTest::newRow("exposure mode") << Family::ExposureMode << "ExposureMode" << "TriggerWidth";
-    QTest::newRow("exposure auto") << Family::ExposureAuto << "ExposureAuto" << "other";
+    QTest::newRow("source") << Family::Routing << "TriggerSource"
+                            << "InputLines";
+    QTest::newRow("activation") << Family::Routing << "TriggerActivation"
+                                << "LowLevel";
+    QTest::newRow("mode") << Family::Routing << "TriggerMode"
+                          << "On";
+    QTest::newRow("acquisition mode") << Family::ExposureMode << "AcquisitionMode"
+                                      << "MultiFrame";
+    QTest::newRow("exposure mode") << Family::ExposureMode << "ExposureMode"
+                                   << "TriggerWidth";
+    QTest::newRow("exposure auto") << Family::ExposureAuto << "ExposureAuto"
+                                   << "other";
 }
 
 void tst_TriggerEdits::comboEdits()
@@ -84,15 +89,14 @@ void tst_TriggerEdits::triggerSelectorHandOver_data()
     QTest::addColumn<QString>("mode");
     QTest::addColumn<QStringList>("writes");
 
-    QTest::newRow("routing, trigger on")
-        << Family::Routing << "On"
-        << QStringList{"TriggerMode=Off", "TriggerSelector=ExposureActive", "TriggerMode=On"};
-    QTest::newRow("routing, trigger off") << Family::Routing << "Off"
-                                          << QStringList{"TriggerSelector=ExposureActive"};
-    QTest::newRow("exposure-mode, trigger on") << Family::ExposureMode << "On"
-                                               << QStringList{"TriggerSelector=AcquisitionStart"};
-    QTest::newRow("exposure-auto, trigger on") << Family::ExposureAuto << "On"
-                                               << QStringList{"TriggerSelector=AcquisitionEnd"};
+    QTest::newRow("routing, trigger on") << Family::Routing << "On"
+                                         << QStringList{"TriggerMode=Off", "TriggerSelector=ExposureActive",
+                                                        "TriggerMode=On"};
+    QTest::newRow("routing, trigger off") << Family::Routing << "Off" << QStringList{"TriggerSelector=ExposureActive"};
+    QTest::newRow("exposure-mode, trigger on")
+        << Family::ExposureMode << "On" << QStringList{"TriggerSelector=AcquisitionStart"};
+    QTest::newRow("exposure-auto, trigger on")
+        << Family::ExposureAuto << "On" << QStringList{"TriggerSelector=AcquisitionEnd"};
 }
 
 void tst_TriggerEdits::triggerSelectorHandOver()
@@ -116,8 +120,7 @@ void tst_TriggerEdits::routingHandOver_data()
 {
     QTest::addColumn<bool>("routed");
     QTest::addColumn<QStringList>("writes");
-    QTest::newRow("routed") << true
-                            << QStringList{"LineRouting=Off", "LineSelector=Line2", "LineRouting=Trigger"};
+    QTest::newRow("routed") << true << QStringList{"LineRouting=Off", "LineSelector=Line2", "LineRouting=Trigger"};
     QTest::newRow("not routed") << false << QStringList{"LineSelector=Line2"};
 }
 
@@ -164,8 +167,7 @@ void tst_TriggerEdits::softwareTrigger()
     QFETCH(bool, enabled);
     TestCamera cam;
     cam.addEnum("LineSelector", {"Line0"}, "Line0");
-    cam.addEnum("TriggerSource", {"Line1", "Software", "SoftwareSignal1", "Line1SoftwareSignal", "software"},
-                "Line1");
+    cam.addEnum("TriggerSource", {"Line1", "Software", "SoftwareSignal1", "Line1SoftwareSignal", "software"}, "Line1");
     cam.addCommand("TriggerSoftware");
     TabAccess tab(cam.features(), nullptr);
     QVERIFY(!tab.m_pButtonSWTrigger->isEnabled());
@@ -200,15 +202,14 @@ void tst_TriggerEdits::firstInput_data()
     QTest::addColumn<QString>("found");
     QTest::addColumn<QStringList>("writes");
 
-    QTest::newRow("second line")
-        << QStringList{"Line0"} << "Line2" << "Line1"
-        << QStringList{"LineSelector=Line0", "LineSelector=Line2", "LineSelector=Line1"};
-    QTest::newRow("first line") << QStringList{"Line1"} << "Line2" << "Line0"
-                                << QStringList{"LineSelector=Line0"};
-    QTest::newRow("no input")
-        << QStringList{"Line0", "Line1", "Line2"} << "Line1" << ""
-        << QStringList{"LineSelector=Line0", "LineSelector=Line1", "LineSelector=Line1", "LineSelector=Line1",
-                       "LineSelector=Line2", "LineSelector=Line1"};
+    QTest::newRow("second line") << QStringList{"Line0"} << "Line2"
+                                 << "Line1"
+                                 << QStringList{"LineSelector=Line0", "LineSelector=Line2", "LineSelector=Line1"};
+    QTest::newRow("first line") << QStringList{"Line1"} << "Line2"
+                                << "Line0" << QStringList{"LineSelector=Line0"};
+    QTest::newRow("no input") << QStringList{"Line0", "Line1", "Line2"} << "Line1"
+                              << "" << QStringList{"LineSelector=Line0", "LineSelector=Line1", "LineSelector=Line1",
+                                                   "LineSelector=Line1", "LineSelector=Line2", "LineSelector=Line1"};
 }
 
 void tst_TriggerEdits::firstInput()
@@ -251,8 +252,8 @@ void tst_TriggerEdits::refreshFollowsTheCameraWithoutWriting()
     tab.refresh({"TriggerSource", "TriggerActivation", "TriggerMode", "TriggerSelector", "AcquisitionMode",
                  "LineSelector", "LineRouting", "ExposureMode"});
     QCOMPARE(cam.journal(), QStringList());
-    for (const char* feature : {"TriggerSource", "TriggerActivation", "TriggerSelector", "TriggerMode",
-                                "AcquisitionMode", "ExposureMode"})
+    for (const char* feature :
+         {"TriggerSource", "TriggerActivation", "TriggerSelector", "TriggerMode", "AcquisitionMode", "ExposureMode"})
         QCOMPARE(combo(tab, feature)->currentText(), cam.value(feature));
     QVERIFY(!tab.m_pButtonSWTrigger->isEnabled());
     QCOMPARE(tab.m_pSpinAcquisitionFrameCount->value(), 12);

@@ -32,7 +32,8 @@ private slots:
     void frameCountFollowsWritability();
 };
 
-namespace {
+namespace
+{
 
 // Row and column of a widget in a grid, or (-1, -1).
 QPoint cell(QGridLayout* grid, QWidget* widget)
@@ -95,12 +96,15 @@ void tst_TriggerInput::controlsPerFamily()
 
     QGridLayout* trigger = tab.m_pGridTrigger;
     QCOMPARE(tab.m_pGroupTrigger->layout(), trigger);
-    const QList<QPair<QWidget*, QPoint>> cells{
-        {tab.m_pLabelTriggerSource, {1, 0}},   {tab.m_pComboTriggerSource, {3, 0}},
-        {tab.m_pLabelTriggerActivation, {5, 0}}, {tab.m_pComboTriggerActivation, {7, 0}},
-        {tab.m_pComboTriggerSelector, {3, 2}}, {tab.m_pComboTriggerMode, {7, 2}},
-        {tab.m_pButtonSWTrigger, {3, swTriggerRow}}, {tab.m_pComboInputLineSelector, {3, 4}},
-        {tab.m_pCBLineRouting, {7, 4}}};
+    const QList<QPair<QWidget*, QPoint>> cells{{tab.m_pLabelTriggerSource, {1, 0}},
+                                               {tab.m_pComboTriggerSource, {3, 0}},
+                                               {tab.m_pLabelTriggerActivation, {5, 0}},
+                                               {tab.m_pComboTriggerActivation, {7, 0}},
+                                               {tab.m_pComboTriggerSelector, {3, 2}},
+                                               {tab.m_pComboTriggerMode, {7, 2}},
+                                               {tab.m_pButtonSWTrigger, {3, swTriggerRow}},
+                                               {tab.m_pComboInputLineSelector, {3, 4}},
+                                               {tab.m_pCBLineRouting, {7, 4}}};
     for (const auto& c : cells)
     {
         if (c.first)
@@ -174,10 +178,13 @@ void tst_TriggerInput::inputLineSelectorSkipsOutputs_data()
 {
     QTest::addColumn<QString>("current");
     QTest::addColumn<QString>("shown");
-    QTest::newRow("input Line2") << "Line2" << "Line2";
-    QTest::newRow("input Line0") << "Line0" << "Line0";
+    QTest::newRow("input Line2") << "Line2"
+                                 << "Line2";
+    QTest::newRow("input Line0") << "Line0"
+                                 << "Line0";
     // An output line in the camera: the removal leaves its neighbour current.
-    QTest::newRow("output Line3") << "Line3" << "Line2";
+    QTest::newRow("output Line3") << "Line3"
+                                  << "Line2";
 }
 
 void tst_TriggerInput::inputLineSelectorSkipsOutputs()
@@ -204,8 +211,8 @@ void tst_TriggerInput::triggerSelectorRefresh_data()
 {
     QTest::addColumn<QStringList>("unavailable");
     QTest::addColumn<QStringList>("writes");
-    QTest::newRow("one entry left, camera elsewhere") << QStringList{"AcquisitionStart", "AcquisitionEnd"}
-                                                      << QStringList{"TriggerSelector=FrameStart"};
+    QTest::newRow("one entry left, camera elsewhere")
+        << QStringList{"AcquisitionStart", "AcquisitionEnd"} << QStringList{"TriggerSelector=FrameStart"};
     QTest::newRow("two entries left, camera elsewhere") << QStringList{"AcquisitionEnd"} << QStringList();
     QTest::newRow("camera on an available entry") << QStringList{"FrameStart"} << QStringList();
 }

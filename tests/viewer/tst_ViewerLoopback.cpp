@@ -11,7 +11,8 @@
 #include <QTabWidget>
 #include <QtTest>
 
-namespace {
+namespace
+{
 
 // Picks the entry in the tab's combo box that offers it next to one of the
 // neighbours (so that "On" finds the trigger mode box, not an output's).
@@ -101,10 +102,12 @@ void tst_ViewerLoopback::softwareTriggerGivesOneFramePerPress()
     QTRY_VERIFY(trigger->isEnabled());
 
     // Small frames cross the loopback without lost packets.
-    camera.withAravisDevice([](ArvDevice* device) {
-        arv_device_set_integer_feature_value(device, "Width", 64, nullptr);
-        arv_device_set_integer_feature_value(device, "Height", 64, nullptr);
-    });
+    camera.withAravisDevice(
+        [](ArvDevice* device)
+        {
+            arv_device_set_integer_feature_value(device, "Width", 64, nullptr);
+            arv_device_set_integer_feature_value(device, "Height", 64, nullptr);
+        });
     QTest::mouseClick(window.acquireButton(), Qt::LeftButton);
     QVERIFY(window.acquireButton()->isChecked());
     QTest::qWait(500);

@@ -8,7 +8,8 @@
 #include <string>
 #include <vector>
 
-namespace OrvCPP {
+namespace OrvCPP
+{
 
 // One named, typed camera feature (GenICam naming).
 //

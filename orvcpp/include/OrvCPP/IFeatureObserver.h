@@ -3,7 +3,8 @@
 
 #include <OrvCPP/SharedPointer.h>
 
-namespace OrvCPP {
+namespace OrvCPP
+{
 
 class Feature;
 

@@ -3,11 +3,11 @@
 
 #include <memory>
 
-namespace OrvCPP {
+namespace OrvCPP
+{
 
 // The camera API hands out every object through reference-counted handles.
-template <typename T>
-using shared_ptr = std::shared_ptr<T>;
+template <typename T> using shared_ptr = std::shared_ptr<T>;
 
 } // namespace OrvCPP
 
