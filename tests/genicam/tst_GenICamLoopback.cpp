@@ -1,10 +1,8 @@
-// Aravis (gio) before Qt: gio uses "signals" as a name, Qt as a keyword.
-#include <arv.h>
+// First: it brings Aravis, which must come before Qt's keywords.
+#include "FakeGigEServer.h"
 
 #include "GenICamTestSupport.h"
 
-#include <QProcess>
-#include <QStandardPaths>
 #include <QtTest>
 
 using FeaturePtr = OrvCPP::shared_ptr<OrvCPP::Feature>;
@@ -18,60 +16,31 @@ class tst_GenICamLoopback : public QObject
     Q_OBJECT
 
 private:
-    QProcess m_server;
+    FakeGigEServer m_server;
 
     void stopServer()
     {
-        if (m_server.state() != QProcess::NotRunning)
-        {
-            m_server.kill();
-            m_server.waitForFinished(3000);
-        }
+        m_server.stop();
     }
 
-    // The serial number the fake camera reports in its GigE Vision bootstrap registers.
     static QByteArray serialOf(const GenICamCamera& camera)
     {
-        char serial[17] = {};
-        camera.withAravisDevice([&](ArvDevice* device) { arv_device_read_memory(device, 0xd8, 16, serial, nullptr); });
-        return QByteArray(serial);
+        return FakeGigEServer::serialOf(camera);
     }
 
-    // Starts the server with a model and opens it; false when that fails.
-    // Another program's fake camera may share the port for a while (it binds
-    // with address reuse): the serial number tells whether ours answered.
     bool startAndOpen(GenICamCamera& camera, const QString& model)
     {
-        static int run = 0;
-        const QByteArray serial =
-            "TIO" + QByteArray::number(QCoreApplication::applicationPid() % 100000) + "-" + QByteArray::number(++run);
-        m_server.setProgram(QStandardPaths::findExecutable("arv-fake-gv-camera-0.8"));
-        m_server.setArguments({"-i", "127.0.0.1", "-s", QString::fromLatin1(serial), "-g", modelPath(model)});
-        m_server.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        m_server.setStandardOutputFile(QProcess::nullDevice());
-        m_server.start();
-        if (!m_server.waitForStarted(3000))
-            return false;
-        QElapsedTimer timer;
-        timer.start();
-        while (timer.elapsed() < 20000 && m_server.state() == QProcess::Running)
-        {
-            if (camera.open("127.0.0.1") == OrvErrorSuccess)
-            {
-                if (serialOf(camera) == serial)
-                    return true;
-                camera.close();
-            }
-            QTest::qWait(200);
-        }
-        qWarning() << "fake camera" << serial << "not reached:" << camera.errorString();
-        return false;
+        QString error;
+        const bool open = m_server.startAndOpen(modelPath(model), camera, &error);
+        if (!open)
+            qWarning() << error;
+        return open;
     }
 
 private slots:
     void initTestCase()
     {
-        if (QStandardPaths::findExecutable("arv-fake-gv-camera-0.8").isEmpty())
+        if (FakeGigEServer::program().isEmpty())
             QSKIP("arv-fake-gv-camera-0.8 (Debian package aravis-tools) is not installed");
     }
 

@@ -1,8 +1,13 @@
 #ifndef FAKEGIGESERVER_H
 #define FAKEGIGESERVER_H
 
+// Aravis (through GLib) uses words that Qt defines as keywords: include this
+// header before any Qt header.
+#include <arv.h>
+
 #include "GenICamCamera.h"
 
+#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QStandardPaths>
@@ -23,12 +28,25 @@ public:
         stop();
     }
 
+    // The serial number a fake camera reports in its GigE Vision bootstrap registers.
+    static QByteArray serialOf(const GenICamCamera& camera)
+    {
+        char serial[17] = {};
+        camera.withAravisDevice([&](ArvDevice* device) { arv_device_read_memory(device, 0xd8, 16, serial, nullptr); });
+        return QByteArray(serial);
+    }
+
     // Starts the server and opens the camera over GigE Vision; false (and the
-    // camera's reason in error) when either fails within a few seconds.
+    // reason in error) when that fails within 20 s. Another fake camera may
+    // share the port for a while (it binds with address reuse): the serial
+    // number tells whether ours answered.
     bool startAndOpen(const QString& model, GenICamCamera& camera, QString* error = nullptr)
     {
+        static int run = 0;
+        m_serial =
+            "TIO" + QByteArray::number(QCoreApplication::applicationPid() % 100000) + "-" + QByteArray::number(++run);
         m_process.setProgram(program());
-        m_process.setArguments({"-i", "127.0.0.1", "-g", model});
+        m_process.setArguments({"-i", "127.0.0.1", "-s", QString::fromLatin1(m_serial), "-g", model});
         m_process.setStandardOutputFile(QProcess::nullDevice());
         m_process.setStandardErrorFile(QProcess::nullDevice());
         m_process.start();
@@ -40,22 +58,24 @@ public:
         }
         QElapsedTimer timer;
         timer.start();
-        while (timer.elapsed() < 5000)
+        while (timer.elapsed() < 20000 && m_process.state() == QProcess::Running)
         {
-            // A server that cannot bind the port (another one is running) ends at once.
-            if (m_process.state() == QProcess::NotRunning)
-            {
-                if (error)
-                    *error = "arv-fake-gv-camera-0.8 ended: is another one running on 127.0.0.1?";
-                return false;
-            }
             if (camera.open("127.0.0.1") == OrvErrorSuccess)
-                return true;
-            QThread::msleep(100);
+            {
+                if (serialOf(camera) == m_serial)
+                    return true;
+                camera.close();
+            }
+            QThread::msleep(200);
         }
         if (error)
-            *error = camera.errorString();
+            *error = "fake camera " + QString::fromLatin1(m_serial) + " not reached: " + camera.errorString();
         return false;
+    }
+
+    QByteArray serial() const
+    {
+        return m_serial;
     }
 
     void stop()
@@ -69,6 +89,7 @@ public:
 
 private:
     QProcess m_process;
+    QByteArray m_serial;
 };
 
 #endif

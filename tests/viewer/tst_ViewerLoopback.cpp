@@ -1,6 +1,4 @@
-// Aravis (through GLib) uses the words Qt defines as keywords: include it first.
-#include <arv.h>
-
+// First: it brings Aravis, which must come before Qt's keywords.
 #include "FakeGigEServer.h"
 #include "ViewerWindow.h"
 
