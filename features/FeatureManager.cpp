@@ -189,9 +189,11 @@ double FeatureManager::GetMaxValuefromIncrement(double minimum, double maximum, 
     return candidate < maximum ? candidate : maximum;
 }
 
-bool FeatureManager::ReadNumeric(FeaturePtr feature, double* value, double* minimum, double* maximum, double* increment)
+OrvFeatureDataType FeatureManager::ReadNumeric(FeaturePtr feature, double* value, double* minimum, double* maximum,
+                                               double* increment)
 {
-    switch (GetDataType(feature))
+    const OrvFeatureDataType type = GetDataType(feature);
+    switch (type)
     {
     case OrvFeatureDataInt:
     {
@@ -203,16 +205,34 @@ bool FeatureManager::ReadNumeric(FeaturePtr feature, double* value, double* mini
         *minimum = static_cast<double>(lo);
         *maximum = static_cast<double>(hi);
         *increment = static_cast<double>(inc);
-        return true;
+        return type;
     }
     case OrvFeatureDataFloat:
         GetValue(feature, value);
         GetRange(feature, minimum, maximum);
         GetIncrement(feature, increment);
-        return true;
+        return type;
     default:
+        return OrvFeatureDataUnknown;
+    }
+}
+
+bool FeatureManager::ReadFittedRange(FeaturePtr feature, double* value, double* minimum, double* maximum,
+                                     double* increment)
+{
+    const OrvFeatureDataType type = ReadNumeric(feature, value, minimum, maximum, increment);
+    if (type == OrvFeatureDataUnknown)
+    {
+        *value = *minimum = *maximum = *increment = -1.0;
         return false;
     }
+    // A maximum off the grid drops onto it; without a usable increment editors
+    // step by one (integers) or by a hundredth (floats).
+    if (*increment > 0)
+        *maximum = GetMaxValuefromIncrement(*minimum, *maximum, *increment);
+    else
+        *increment = type == OrvFeatureDataInt ? 1.0 : 0.01;
+    return true;
 }
 
 // ---------------------------------------------------------------- reads
@@ -381,18 +401,9 @@ double FeatureManager::GetValueIsWritableRangeIncrement(const QString& name, con
     if (!feature)
         return -1.0;
     *writable = GetIsWritable(feature);
-    const bool isInteger = GetDataType(feature) == OrvFeatureDataInt;
     double value = -1.0;
-    if (!ReadNumeric(feature, &value, minimum, maximum, increment))
-    {
+    if (!ReadFittedRange(feature, &value, minimum, maximum, increment))
         *writable = false;
-        *minimum = *maximum = *increment = -1.0;
-        return -1.0;
-    }
-    if (*increment > 0)
-        *maximum = GetMaxValuefromIncrement(*minimum, *maximum, *increment);
-    else
-        *increment = isInteger ? 1.0 : 0.01;
     return value;
 }
 
@@ -414,17 +425,8 @@ double FeatureManager::GetValueRangeIncrement(const QString& name, const QString
     FeaturePtr feature = GetFeatureByName(name, alt1, alt2);
     if (!feature)
         return -1.0;
-    const bool isInteger = GetDataType(feature) == OrvFeatureDataInt;
     double value = -1.0;
-    if (!ReadNumeric(feature, &value, minimum, maximum, increment))
-    {
-        *minimum = *maximum = *increment = -1.0;
-        return -1.0;
-    }
-    if (*increment > 0)
-        *maximum = GetMaxValuefromIncrement(*minimum, *maximum, *increment);
-    else
-        *increment = isInteger ? 1.0 : 0.01;
+    ReadFittedRange(feature, &value, minimum, maximum, increment);
     return value;
 }
 
@@ -445,7 +447,7 @@ double FeatureManager::GetValueRange(const QString& name, const QString& alt1, c
     if (!feature)
         return -1.0;
     double value = -1.0, increment = -1.0;
-    if (!ReadNumeric(feature, &value, minimum, maximum, &increment))
+    if (ReadNumeric(feature, &value, minimum, maximum, &increment) == OrvFeatureDataUnknown)
     {
         *minimum = *maximum = -1.0;
         return -1.0;

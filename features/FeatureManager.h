@@ -113,9 +113,13 @@ public:
     bool RunCommand(const QString& name) const;
 
 private:
-    // Reads value, range and increment of a found feature; the shared body of the
-    // combined range reads. Returns false for a type that has no numeric value.
-    static bool ReadNumeric(FeaturePtr feature, double* value, double* minimum, double* maximum, double* increment);
+    // Reads value, range and increment of a found integer or float feature and
+    // returns its type; OrvFeatureDataUnknown for a type without a numeric value.
+    static OrvFeatureDataType ReadNumeric(FeaturePtr feature, double* value, double* minimum, double* maximum,
+                                          double* increment);
+    // ReadNumeric with the maximum snapped to the grid and a missing increment
+    // replaced; all four -1 and false for a type without a numeric value.
+    static bool ReadFittedRange(FeaturePtr feature, double* value, double* minimum, double* maximum, double* increment);
 
     FeatureList m_pFeatures;
 };

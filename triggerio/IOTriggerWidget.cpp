@@ -38,19 +38,8 @@ IOTriggerWidget::IOTriggerWidget(const FeatureList& features, QWidget* parent)
     else
         delete translator;
 
-    m_pCBLineRouting = nullptr;
-    m_pComboInputLineSelector = nullptr;
-    m_pComboExposureMode = nullptr;
-    m_pComboExposureAuto = nullptr;
-    m_pLabelLineRouting = nullptr;
-    m_pLabelInputLineSelector = nullptr;
-    m_pLabelExposureMode = nullptr;
-    m_pLabelExposureAuto = nullptr;
-    m_pGroupQuickSettings = nullptr;
-    m_pLabelUserOutSelector = nullptr;
-    m_pLabelUserValue = nullptr;
-    m_pLabelSyncLevels = nullptr;
-    m_pEditSyncLevels = nullptr;
+    // The controls only some cameras get start null (member initialisers): a null
+    // member means the camera has no such control.
 
     m_bUserOutputSelector =
         m_pFeatureManager->GetFeatureName(QStringList() << "UserOutputSelector") == "UserOutputSelector";
