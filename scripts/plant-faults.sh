@@ -1,0 +1,68 @@
+#!/usr/bin/env bash
+# Plants realistic faults one at a time into the code, rebuilds, runs the test
+# suite and tells which faults the suite catches. A fault the suite lets
+# through marks a hole in the tests. The tree is restored after every fault.
+#
+#   scripts/plant-faults.sh [BUILD_DIR] [ctest -R regex] [fault id...]
+#
+# BUILD_DIR must be a configured build of this tree (default: build).
+set -uo pipefail
+cd "$(dirname "$0")/.."
+build=${1:-build}
+filter=${2:-.}
+shift 2 2>/dev/null || shift $#
+only=" $* "
+
+# id ~ file ~ text ~ replaced by ~ what the fault is (\n for a line break)
+faults=$(cat <<'LIST'
+out-restore~triggerio/IOTriggerWidgetOutputs.cpp~<< "SetValue('LineSelector') = " << m_pFeatureManager->SetValue("LineSelector", saved);~<< "SetValue('LineSelector') = " << saved;~the status refresh leaves LineSelector on the last row
+src-restore~triggerio/IOTriggerWidgetOutputs.cpp~<< "SetValue('LineSelector') = " << selector.restore();~<< "SetValue('LineSelector') = " << selector.saved;~the source refresh leaves LineSelector moved
+polarity~triggerio/IOTriggerWidgetOutputs.cpp~setChecked(polarity == "Invert")~setChecked(polarity == "Normal")~sync-out polarity shown the wrong way round
+invert-write~triggerio/IOTriggerWidgetOutputs.cpp~row->m_pCBInvert->isChecked() ? 1.0 : 0.0~row->m_pCBInvert->isChecked() ? 0.0 : 1.0~LineInverter written inverted
+mask-bit~triggerio/IOTriggerWidgetOutputs.cpp~mask |= quint32(1) << (i % 32);~mask |= quint32(1) << (i % 32 + 1);~level mask bit off by one
+sync-source-all~triggerio/IOTriggerWidgetOutputs.cpp~            if (source == text)~            if (!text.isEmpty())~sync-out source written to every row
+levels-read~triggerio/IOTriggerWidgetUserOutputs.cpp~((levels >> (i % 64)) & 1) != 0~((levels >> (i % 64)) & 2) != 0~level mask read with the wrong bit
+userout-restore~triggerio/IOTriggerWidgetUserOutputs.cpp~    m_pFeatureManager->SetValue("UserOutputSelector", saved);\n    // Tells~    // Tells~UserOutputSelector not restored after a user value write
+userout-state~triggerio/IOTriggerWidgetUserOutputs.cpp~SetValue("UserOutputValue", static_cast<double>(state))~SetValue("UserOutputValue", static_cast<double>(state != 0))~user value written as 1 instead of the check state 2
+userout-shared~triggerio/IOTriggerWidgetUserOutputs.cpp~            SetOnCBOutUserValueChanged(j, state);~            ;~lines sharing a user output are not written
+selout-restore~triggerio/IOTriggerWidgetSelectableOutputs.cpp~<< m_pFeatureManager->SetValue("LineSelector", saved);~<< saved;~selectable-output refresh leaves LineSelector moved
+routing~triggerio/IOTriggerWidgetTriggerInput.cpp~state < 1 ? QString("Off") : QString("Trigger")~state < 1 ? QString("Trigger") : QString("Off")~line routing written the wrong way round
+framecount~triggerio/IOTriggerWidgetTriggerInput.cpp~SetValue("AcquisitionFrameCount", static_cast<double>(value))~SetValue("AcquisitionFrameCount", static_cast<double>(value + 1))~frame count written off by one
+edge-activation~triggerio/IOTriggerWidgetQuickSettings.cpp~SetComboBoxValue("FallingEdge", m_pComboTriggerActivation);\n        SetComboBoxValue("Line0"~SetComboBoxValue("RisingEdge", m_pComboTriggerActivation);\n        SetComboBoxValue("Line0"~edge preset on a routing camera picks the wrong activation
+bulk-quirk~triggerio/IOTriggerWidgetQuickSettings.cpp~SetComboBoxValue("FallinEdge", m_pComboTriggerActivation);\n        SetComboBoxValue("AcquisitionStart"~SetComboBoxValue("FallingEdge", m_pComboTriggerActivation);\n        SetComboBoxValue("AcquisitionStart"~bulk preset's misspelt activation "fixed"
+edge-order~triggerio/IOTriggerWidgetQuickSettings.cpp~        SetComboBoxValue("Continuous", m_pComboAcquisitionMode);\n        SetComboBoxValue("On", m_pComboTriggerMode);\n    }\n    if (m_pComboExposureAuto)~        SetComboBoxValue("On", m_pComboTriggerMode);\n        SetComboBoxValue("Continuous", m_pComboAcquisitionMode);\n    }\n    if (m_pComboExposureAuto)~edge preset switches the trigger on before the acquisition mode
+dispatch-status~triggerio/IOTriggerWidget.cpp~if (changed.contains("LineStatus"))~if (changed.contains("LineStatu"))~a LineStatus change refreshes nothing
+dispatch-quirk~triggerio/IOTriggerWidget.cpp~changed.contains("LineOutlevels")~changed.contains("LineOutLevels")~misspelt refresh name "fixed"
+changed-once~tabbase/BaseTabPluginWidget.cpp~    if (!m_pChangedFeatures->contains(name))\n        m_pChangedFeatures->append(name);~    m_pChangedFeatures->append(name);~a name notified twice is queued twice
+tick-reregister~tabbase/BaseTabPluginWidget.cpp~    updateInit();\n    RegisterFeatureObserver(false);~    updateInit();~the tick leaves the observer unregistered
+alt-name~features/FeatureManager.cpp~    if (!feature && !alt1.isEmpty())\n        feature = GetFeatureByName(alt1);\n    return feature;~    return feature;~the second name alternative is never tried
+grid-max~features/FeatureManager.cpp~std::floor((maximum - minimum) / increment * 1.000000000001)~std::ceil((maximum - minimum) / increment)~a maximum off the increment grid is rounded up
+gc-locked~orvcpp/genicam/GenICamFeature.cpp~return available && implemented && !locked ? OrvErrorSuccess : OrvErrorInvalidAccess;~return available && implemented ? OrvErrorSuccess : OrvErrorInvalidAccess;~a locked GenICam feature accepts writes
+gc-notify~orvcpp/genicam/FeaturePoller.cpp~            observer->FeatureChanged(feature);~            (void)observer;~the backend never notifies
+get-result~plugin/TabExtensionPlugin.cpp~        return e.Result();~        return 0;~an unsupported camera is reported as success
+LIST
+
+LIST
+)
+
+[ -d "$build" ] || { echo "no build in $build: configure one first" >&2; exit 2; }
+caught=0; missed=0; stale=0
+while IFS='~' read -r id file from to what; do
+    [ -n "$id" ] || continue
+    if [ "$only" != "  " ] && [[ "$only" != *" $id "* ]]; then continue; fi
+    cp "$file" "$file.orig"
+    if ! FROM="$from" TO="$to" perl -0pi -e 'BEGIN{$f=$ENV{FROM}; $t=$ENV{TO}; $f=~s/\\n/\n/g; $t=~s/\\n/\n/g;} $n += s/\Q$f\E/$t/; END{exit($n == 1 ? 0 : 1)}' "$file"; then
+        mv "$file.orig" "$file"; echo "STALE   $id: its text is no longer in $file"; stale=$((stale + 1)); continue
+    fi
+    if ! cmake --build "$build" -j"$(nproc)" >/tmp/plant-build.log 2>&1; then
+        echo "BUILD   $id: does not compile (see /tmp/plant-build.log)"
+    elif (cd "$build" && ctest -R "$filter" -j"$(nproc)" --timeout 300 >/tmp/plant-$id.log 2>&1); then
+        echo "MISSED  $id: $what"; missed=$((missed + 1))
+    else
+        echo "CAUGHT  $id: $(grep -E '^ *[0-9]+ - ' /tmp/plant-$id.log | awk '{print $3}' | tr '\n' ' ')"; caught=$((caught + 1))
+    fi
+    mv "$file.orig" "$file"
+    touch "$file"
+done <<<"$faults"
+cmake --build "$build" -j"$(nproc)" >/dev/null 2>&1
+echo "$caught caught, $missed missed, $stale stale"
