@@ -41,8 +41,6 @@ gc-locked~orvcpp/genicam/GenICamFeature.cpp~return available && implemented && !
 gc-notify~orvcpp/genicam/FeaturePoller.cpp~            observer->FeatureChanged(feature);~            (void)observer;~the backend never notifies
 get-result~plugin/TabExtensionPlugin.cpp~        return e.Result();~        return 0;~an unsupported camera is reported as success
 LIST
-
-LIST
 )
 
 [ -d "$build" ] || { echo "no build in $build: configure one first" >&2; exit 2; }
@@ -59,7 +57,7 @@ while IFS='~' read -r id file from to what; do
     elif (cd "$build" && ctest -R "$filter" -j"$(nproc)" --timeout 300 >/tmp/plant-$id.log 2>&1); then
         echo "MISSED  $id: $what"; missed=$((missed + 1))
     else
-        echo "CAUGHT  $id: $(grep -E '^ *[0-9]+ - ' /tmp/plant-$id.log | awk '{print $3}' | tr '\n' ' ')"; caught=$((caught + 1))
+        echo "CAUGHT  $id: $(grep -E '^\s*[0-9]+ - ' /tmp/plant-$id.log | awk '{print $3}' | tr '\n' ' ')"; caught=$((caught + 1))
     fi
     mv "$file.orig" "$file"
     touch "$file"

@@ -1,0 +1,96 @@
+#include "TabCameras.h"
+
+namespace TabCameras
+{
+
+namespace
+{
+
+using TestCam::TestCamera;
+
+void addTrigger(TestCamera& cam, const QStringList& selectors, const QStringList& sources,
+                const QStringList& activations)
+{
+    cam.addEnum("TriggerSelector", selectors, selectors.first());
+    cam.addEnum("TriggerMode", {"Off", "On"}, "Off").selectedBy("TriggerSelector");
+    cam.addEnum("TriggerSource", sources, sources.first());
+    cam.addEnum("TriggerActivation", activations, activations.first());
+    cam.addEnum("AcquisitionMode", {"Continuous", "SingleFrame", "MultiFrame"}, "SingleFrame");
+    cam.addInt("AcquisitionFrameCount", 1, 1, 255, 1);
+    cam.addCommand("TriggerSoftware");
+}
+
+// Lines "Line0"... with their modes ("Output", "Input", or "Switch" for an input
+// that can be made an output), each with source, inverter and status.
+void addLines(TestCamera& cam, const QStringList& modes, bool userOutputs)
+{
+    QStringList lines;
+    for (int i = 0; i < modes.size(); ++i)
+        lines << QString("Line%1").arg(i);
+    cam.addEnum("LineSelector", lines, lines.first());
+    TestCam::FeatureSetup mode = cam.addEnum("LineMode", {"Input", "Output"}, "Input").writable(false);
+    mode.selectedBy("LineSelector");
+    for (int i = 0; i < modes.size(); ++i)
+    {
+        mode.setAt(lines.at(i), modes.at(i) == "Output" ? "Output" : "Input");
+        mode.writableAt(lines.at(i), modes.at(i) == "Switch");
+    }
+    cam.addEnum("LineSource", {"Off", "Direct", "UserOutput0", "UserOutput1", "ExposureActive"}, "Off")
+        .selectedBy("LineSelector");
+    cam.addBool("LineInverter", false).selectedBy("LineSelector");
+    cam.addBool("LineStatus", false).selectedBy("LineSelector");
+    if (userOutputs)
+    {
+        cam.addEnum("UserOutputSelector", {"UserOutput0", "UserOutput1", "UserOutput2"}, "UserOutput0");
+        cam.addBool("UserOutputValue", false).selectedBy("UserOutputSelector");
+    }
+}
+
+void addSyncOuts(TestCamera& cam, const QString& prefix, int outputs)
+{
+    QStringList entries;
+    for (int i = 1; i <= outputs; ++i)
+        entries << QString("SyncOut%1").arg(i);
+    cam.addEnum(prefix + "Selector", entries, entries.first());
+    cam.addEnum(prefix + "Source", {"GPO", "Exposing", "Readout"}, "Exposing").selectedBy(prefix + "Selector");
+    cam.addEnum(prefix + "Polarity", {"Normal", "Invert"}, "Normal").selectedBy(prefix + "Selector");
+    cam.addInt(prefix + "Levels", 0, 0, 1LL << 40);
+}
+
+} // namespace
+
+void build(TestCamera& cam, const QString& name)
+{
+    if (name == "routing")
+    {
+        addTrigger(cam, {"AcquisitionStart", "ExposureStart", "ExposureActive"}, {"Software", "InputLines"},
+                   {"RisingEdge", "FallingEdge", "LowLevel", "HighLevel"});
+        cam.addEnum("ExposureMode", {"Timed", "TriggerWidth"}, "Timed");
+        addLines(cam, {"Input", "Output", "Switch", "Output"}, true);
+        cam.addEnum("LineRouting", {"Off", "Trigger"}, "Off").selectedBy("LineSelector");
+    }
+    else if (name == "expmode")
+    {
+        addTrigger(cam, {"FrameStart", "AcquisitionStart"}, {"Software", "Line0", "Line1", "Line2"},
+                   {"RisingEdge", "FallingEdge"});
+        cam.addEnum("ExposureMode", {"Timed", "TriggerWidth"}, "Timed");
+        addLines(cam, {"Output", "Input", "Input"}, false);
+    }
+    else if (name == "syncout")
+    {
+        addSyncOuts(cam, "SyncOut", 3);
+        addTrigger(cam, {"FrameStart", "AcquisitionStart", "AcquisitionEnd"}, {"Freerun", "Line1", "Line2", "Software"},
+                   {"RisingEdge", "FallingEdge", "AnyEdge", "LevelHigh", "LevelLow"});
+        cam.addEnum("ExposureAuto", {"Off", "Once", "Continuous", "other"}, "Continuous");
+        cam.addEnum("ExposureMode", {"Timed", "TriggerWidth"}, "Timed");
+    }
+    else if (name == "lineout")
+    {
+        addTrigger(cam, {"FrameStart", "AcquisitionStart"}, {"Software", "Line0", "Line1", "InputLines"},
+                   {"RisingEdge", "FallingEdge", "FallinEdge", "LowLevel", "LevelLow"});
+        cam.addEnum("ExposureAuto", {"Off", "Continuous"}, "Off");
+        addSyncOuts(cam, "LineOut", 2);
+    }
+}
+
+} // namespace TabCameras

@@ -1,0 +1,269 @@
+#include "TabAccess.h"
+#include "TabCameras.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFile>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QtTest>
+
+#include <functional>
+
+using TestCam::Op;
+using TestCam::TestCamera;
+
+// Every scenario on every camera family: the writes the camera receives, in
+// order, and what the tab shows afterwards, compared with the reviewed record in
+// tab-journals.txt. With TRIGGERIO_RECORD=1 the suite writes the record anew
+// (review its diff before committing it).
+class tst_TriggerIOTab : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void scenario_data();
+    void scenario();
+    void cleanupTestCase();
+
+private:
+    QMap<QString, QStringList> m_expected;
+    QMap<QString, QStringList> m_recorded;
+};
+
+namespace
+{
+
+using Action = std::function<void(TabAccess&, TestCamera&)>;
+
+// Picks the last entry of a combo box (a real change when it has two or more).
+void pickLast(QComboBox* combo)
+{
+    if (combo && combo->count() > 1)
+        combo->setCurrentIndex(combo->count() - 1);
+}
+
+void toggle(QCheckBox* box)
+{
+    if (box)
+        box->setChecked(!box->isChecked());
+}
+
+// Values changed on the camera behind the tab's back, then one tick over every
+// observed name: the tab shows them and writes nothing it is not meant to.
+void cameraChanges(TabAccess& tab, TestCamera& cam)
+{
+    cam.set("TriggerSource", "Software");
+    cam.set("TriggerActivation", "FallingEdge");
+    cam.set("TriggerMode", "On");
+    cam.set("AcquisitionMode", "MultiFrame");
+    cam.set("AcquisitionFrameCount", 7);
+    cam.set("ExposureMode", "TriggerWidth");
+    cam.set("ExposureAuto", "other");
+    cam.setAt("LineRouting", "Line0", "Trigger");
+    cam.setAt("LineSource", "Line1", "UserOutput1");
+    cam.setAt("LineSource", "Line3", "UserOutput1");
+    cam.setAt("LineInverter", "Line3", true);
+    cam.setAt("LineStatus", "Line1", true);
+    cam.setAt("UserOutputValue", "UserOutput1", true);
+    cam.setAt("SyncOutSource", "SyncOut2", "GPO");
+    cam.setAt("SyncOutPolarity", "SyncOut3", "Invert");
+    cam.setAt("LineOutPolarity", "SyncOut2", "Invert");
+    cam.set("SyncOutLevels", 5);
+    cam.set("LineOutLevels", 2);
+    tab.refresh(tab.m_ObservedFeatures);
+}
+
+const QList<QPair<QString, Action>>& scenarios()
+{
+    static const QList<QPair<QString, Action>> list{
+        {"build", [](TabAccess&, TestCamera&) {}},
+        {"camera changes", cameraChanges},
+        {"edge", [](TabAccess& t, TestCamera&) { t.m_pButtonEdge->click(); }},
+        {"level", [](TabAccess& t, TestCamera&) { t.m_pButtonLevel->click(); }},
+        {"bulk", [](TabAccess& t, TestCamera&) { t.m_pButtonBulk->click(); }},
+        {"level then bulk",
+         [](TabAccess& t, TestCamera&)
+         {
+             t.m_pButtonLevel->click();
+             t.m_pButtonBulk->click();
+         }},
+        {"sw trigger", [](TabAccess& t, TestCamera&) { t.m_pButtonSWTrigger->click(); }},
+        {"trigger selector", [](TabAccess& t, TestCamera&) { pickLast(t.m_pComboTriggerSelector); }},
+        {"trigger source", [](TabAccess& t, TestCamera&) { pickLast(t.m_pComboTriggerSource); }},
+        {"trigger activation", [](TabAccess& t, TestCamera&) { pickLast(t.m_pComboTriggerActivation); }},
+        {"trigger mode", [](TabAccess& t, TestCamera&) { pickLast(t.m_pComboTriggerMode); }},
+        {"acquisition mode", [](TabAccess& t, TestCamera&) { pickLast(t.m_pComboAcquisitionMode); }},
+        {"frame count", [](TabAccess& t, TestCamera&) { t.m_pSpinAcquisitionFrameCount->setValue(300); }},
+        {"exposure", [](TabAccess& t, TestCamera&)
+         { pickLast(t.m_pComboExposureMode ? t.m_pComboExposureMode : t.m_pComboExposureAuto); }},
+        {"input line", [](TabAccess& t, TestCamera&) { pickLast(t.m_pComboInputLineSelector); }},
+        {"routing", [](TabAccess& t, TestCamera&) { toggle(t.m_pCBLineRouting); }},
+        {"output source",
+         [](TabAccess& t, TestCamera&)
+         {
+             if (!t.m_OutputRows.isEmpty())
+                 t.m_OutputRows.first()->m_pComboSource->setCurrentIndex(0);
+         }},
+        {"invert", [](TabAccess& t, TestCamera&)
+         { toggle(t.m_OutputRows.isEmpty() ? nullptr : t.m_OutputRows.last()->m_pCBInvert.data()); }},
+        {"status", [](TabAccess& t, TestCamera&)
+         { toggle(t.m_OutputRows.isEmpty() ? nullptr : t.m_OutputRows.last()->m_pCBStatus.data()); }},
+        {"shared user value",
+         [](TabAccess& t, TestCamera& cam)
+         {
+             cameraChanges(t, cam);
+             cam.clearJournal();
+             QCheckBox* value = t.m_OutputRows.isEmpty() ? nullptr : t.m_OutputRows.first()->m_pCBUserValue.data();
+             toggle(value);
+             toggle(value);
+         }},
+        {"selectable output", [](TabAccess& t, TestCamera&) { pickLast(t.m_OptionalOutCombos.value(0)); }},
+        {"refused writes",
+         [](TabAccess& t, TestCamera& cam)
+         {
+             for (const char* selector : {"LineSelector", "SyncOutSelector", "LineOutSelector"})
+                 cam.fail(selector, Op::SetString, OrvErrorInvalidAccess, 3);
+             cam.fail("TriggerSource", Op::SetString, OrvErrorInvalidValue);
+             pickLast(t.m_pComboTriggerSource);
+             toggle(t.m_OutputRows.isEmpty() ? nullptr : t.m_OutputRows.first()->m_pCBInvert.data());
+             t.refresh(t.m_ObservedFeatures);
+         }},
+        {"streaming", [](TabAccess& t, TestCamera&) { t.camIsStreaming(true); }},
+    };
+    return list;
+}
+
+QString show(QWidget* w)
+{
+    QString text;
+    if (auto* combo = qobject_cast<QComboBox*>(w))
+    {
+        QStringList items;
+        for (int i = 0; i < combo->count(); ++i)
+            items << combo->itemText(i);
+        text = combo->currentText() + " [" + items.join(",") + "]";
+    }
+    else if (auto* box = qobject_cast<QCheckBox*>(w))
+        text = box->isChecked() ? "checked" : "unchecked";
+    else if (auto* spin = qobject_cast<QSpinBox*>(w))
+        text = QString("%1 (%2..%3)").arg(spin->value()).arg(spin->minimum()).arg(spin->maximum());
+    else if (auto* label = qobject_cast<QLabel*>(w))
+        text = label->text();
+    else if (auto* edit = qobject_cast<QLineEdit*>(w))
+        text = edit->text();
+    return text + (w->isEnabled() ? "" : " disabled") + (w->isHidden() ? " hidden" : "");
+}
+
+// What the tab shows, control by control, and where the camera's selectors stand.
+QStringList view(TabAccess& tab, TestCamera& cam)
+{
+    const QList<QPair<QString, QWidget*>> controls{{"trigger selector", tab.m_pComboTriggerSelector},
+                                                   {"trigger source", tab.m_pComboTriggerSource},
+                                                   {"activation", tab.m_pComboTriggerActivation},
+                                                   {"trigger mode", tab.m_pComboTriggerMode},
+                                                   {"acquisition", tab.m_pComboAcquisitionMode},
+                                                   {"frame count", tab.m_pSpinAcquisitionFrameCount},
+                                                   {"exposure mode", tab.m_pComboExposureMode},
+                                                   {"exposure auto", tab.m_pComboExposureAuto},
+                                                   {"input line", tab.m_pComboInputLineSelector},
+                                                   {"routing", tab.m_pCBLineRouting},
+                                                   {"edge", tab.m_pButtonEdge},
+                                                   {"level", tab.m_pButtonLevel},
+                                                   {"bulk", tab.m_pButtonBulk},
+                                                   {"source caption", tab.m_pLabelOutSource},
+                                                   {"invert caption", tab.m_pLabelOutInvert},
+                                                   {"levels", tab.m_pEditSyncLevels},
+                                                   {"hint", tab.ui.l_notAcquireHint}};
+    QStringList lines;
+    for (const auto& control : controls)
+        if (control.second)
+            lines << "| " + control.first + ": " + show(control.second);
+    for (int i = 0; i < tab.m_OutputRows.size(); ++i)
+    {
+        const OutputRow& row = *tab.m_OutputRows.at(i);
+        QStringList cells{tab.m_Outputs.value(i), show(row.m_pComboSource.data()), show(row.m_pCBInvert.data()),
+                          show(row.m_pCBStatus.data())};
+        if (row.m_pComboUserOutSelector)
+            cells << show(row.m_pComboUserOutSelector.data()) << show(row.m_pCBUserValue.data());
+        lines << "| row " + cells.join(" / ");
+    }
+    for (QComboBox* combo : qAsConst(tab.m_OptionalOutCombos))
+        lines << "| selectable: " + show(combo);
+    for (const QString selector : {"LineSelector", "SyncOutSelector", "LineOutSelector", "UserOutputSelector"})
+        if (cam.feature(selector))
+            lines << "| camera " + selector + "=" + cam.value(selector);
+    return lines;
+}
+
+QString recordFile()
+{
+    return QStringLiteral(TRIGGERIO_TESTS_DIR "/triggerio/tab-journals.txt");
+}
+
+} // namespace
+
+void tst_TriggerIOTab::initTestCase()
+{
+    QFile file(recordFile());
+    QVERIFY2(file.open(QIODevice::ReadOnly | QIODevice::Text), qPrintable(recordFile()));
+    QString section;
+    for (const QString& line : QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts))
+    {
+        if (line.startsWith("== "))
+            section = line.mid(3);
+        else
+            m_expected[section] << line;
+    }
+}
+
+void tst_TriggerIOTab::scenario_data()
+{
+    QTest::addColumn<QString>("camera");
+    QTest::addColumn<int>("index");
+    for (const QString& camera : TabCameras::Names)
+        for (int i = 0; i < scenarios().size(); ++i)
+            QTest::newRow(qPrintable(camera + " / " + scenarios().at(i).first)) << camera << i;
+}
+
+void tst_TriggerIOTab::scenario()
+{
+    QFETCH(QString, camera);
+    QFETCH(int, index);
+    const QString name = camera + " / " + scenarios().at(index).first;
+
+    TestCamera cam;
+    TabCameras::build(cam, camera);
+    QStringList lines;
+    {
+        TabAccess tab(cam.features(), nullptr);
+        // Ticks come only from the scenario itself.
+        tab.m_pUpdateTimer->stop();
+        if (index > 0)
+            cam.clearJournal();
+        scenarios().at(index).second(tab, cam);
+        for (const QString& write : cam.journal())
+            lines << "> " + write;
+        lines += view(tab, cam);
+    }
+    m_recorded[name] = lines;
+    if (qEnvironmentVariableIsSet("TRIGGERIO_RECORD"))
+        return;
+    QCOMPARE(lines, m_expected.value(name));
+}
+
+void tst_TriggerIOTab::cleanupTestCase()
+{
+    if (!qEnvironmentVariableIsSet("TRIGGERIO_RECORD"))
+        return;
+    QFile file(recordFile());
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Text));
+    for (auto it = m_recorded.cbegin(); it != m_recorded.cend(); ++it)
+        file.write(("== " + it.key() + "\n" + it.value().join('\n') + "\n\n").toUtf8());
+}
+
+QTEST_MAIN(tst_TriggerIOTab)
+#include "tst_TriggerIOTab.moc"
