@@ -1,9 +1,9 @@
 #include "TabAccess.h"
+#include "ReviewedRecord.h"
 #include "TabCameras.h"
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -17,21 +17,17 @@ using TestCam::TestCamera;
 
 // Every scenario on every camera family: the writes the camera receives, in
 // order, and what the tab shows afterwards, compared with the reviewed record in
-// tab-journals.txt. With TRIGGERIO_RECORD=1 the suite writes the record anew
-// (review its diff before committing it).
+// tab-journals.txt.
 class tst_TriggerIOTab : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void initTestCase();
     void scenario_data();
     void scenario();
-    void cleanupTestCase();
 
 private:
-    QMap<QString, QStringList> m_expected;
-    QMap<QString, QStringList> m_recorded;
+    ReviewedRecord m_record{TRIGGERIO_TESTS_DIR "/triggerio/tab-journals.txt"};
 };
 
 namespace
@@ -199,26 +195,7 @@ QStringList view(TabAccess& tab, TestCamera& cam)
     return lines;
 }
 
-QString recordFile()
-{
-    return QStringLiteral(TRIGGERIO_TESTS_DIR "/triggerio/tab-journals.txt");
-}
-
 } // namespace
-
-void tst_TriggerIOTab::initTestCase()
-{
-    QFile file(recordFile());
-    QVERIFY2(file.open(QIODevice::ReadOnly | QIODevice::Text), qPrintable(recordFile()));
-    QString section;
-    for (const QString& line : QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts))
-    {
-        if (line.startsWith("== "))
-            section = line.mid(3);
-        else
-            m_expected[section] << line;
-    }
-}
 
 void tst_TriggerIOTab::scenario_data()
 {
@@ -249,20 +226,7 @@ void tst_TriggerIOTab::scenario()
             lines << "> " + write;
         lines += view(tab, cam);
     }
-    m_recorded[name] = lines;
-    if (qEnvironmentVariableIsSet("TRIGGERIO_RECORD"))
-        return;
-    QCOMPARE(lines, m_expected.value(name));
-}
-
-void tst_TriggerIOTab::cleanupTestCase()
-{
-    if (!qEnvironmentVariableIsSet("TRIGGERIO_RECORD"))
-        return;
-    QFile file(recordFile());
-    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Text));
-    for (auto it = m_recorded.cbegin(); it != m_recorded.cend(); ++it)
-        file.write(("== " + it.key() + "\n" + it.value().join('\n') + "\n\n").toUtf8());
+    QCOMPARE(lines, m_record.take(name, lines));
 }
 
 QTEST_MAIN(tst_TriggerIOTab)
