@@ -101,7 +101,7 @@ const QList<Call>& calls()
         CALL(GetIsFeatureAvailable("Missing", "", "Bool")),
         CALL(GetFeatureName({"Missing", "String", "Enum"})),
         CALL(GetDisplayName("Missing", "Enum")),
-        CALL(GetCategory("IntStep10")),
+       
         CALL(GetIsFeatureWritable("ReadOnlyInt")),
         CALL(GetIsWritable("Missing", "", "Bool")),
         FAULT("IntStep10", IsWritable, GetIsWritable("IntStep10")),
@@ -214,7 +214,7 @@ void tst_FeatureManager::call()
     QFETCH(int, index);
     const Call& c = calls().at(index);
     TestCamera cam;
-    cam.addInt("IntStep10", 30, 0, 100, 10).category("/ImageFormat");
+    cam.addInt("IntStep10", 30, 0, 100, 10);
     cam.addInt("IntStep3", 30, 0, 100, 3);
     cam.addInt("IntNoStep", 30, 0, 100, 0);
     cam.addInt("IntSigned", 0, -10, 10, 1);

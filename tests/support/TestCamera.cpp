@@ -4,8 +4,10 @@
 #include <QPair>
 #include <QSet>
 
+#include <algorithm>
 #include <condition_variable>
 #include <deque>
+#include <functional>
 #include <mutex>
 #include <thread>
 #include <vector>
@@ -23,43 +25,38 @@ struct Slot
     QSet<QString> unavailable;
 };
 
-QString typeName(OrvFeatureDataType type, const QVariant& value)
+QString text(OrvFeatureDataType type, const QVariant& value)
+{
+    if (type == OrvFeatureDataFloat)
+        return QString::number(value.toDouble(), 'g', 12);
+    if (type == OrvFeatureDataBool)
+        return value.toBool() ? "true" : "false";
+    return value.toString();
+}
+
+QVariant fit(OrvFeatureDataType type, const QVariant& value)
 {
     switch (type)
     {
     case OrvFeatureDataInt:
-        return QString::number(value.toLongLong());
+        return value.toLongLong();
     case OrvFeatureDataFloat:
-        return QString::number(value.toDouble(), 'g', 12);
+        return value.toDouble();
     case OrvFeatureDataBool:
-        return value.toBool() ? QStringLiteral("true") : QStringLiteral("false");
+        return value.toBool();
     default:
         return value.toString();
     }
 }
 
-QVariant fitType(OrvFeatureDataType type, const QVariant& value)
-{
-    switch (type)
-    {
-    case OrvFeatureDataInt:
-        return QVariant(value.toLongLong());
-    case OrvFeatureDataFloat:
-        return QVariant(value.toDouble());
-    case OrvFeatureDataBool:
-        return QVariant(value.toBool());
-    default:
-        return QVariant(value.toString());
-    }
-}
-
 } // namespace
+
+class TestFeature;
 
 struct FeatureData
 {
     QString name;
     QString displayName;
-    QString category;
     OrvFeatureDataType type = OrvFeatureDataUnknown;
     QStringList entries;
     double minimum = 0.0;
@@ -72,20 +69,12 @@ struct FeatureData
     OrvCPP::shared_ptr<TestFeature> handle;
 };
 
-struct Fault
-{
-    OrvErrorType code;
-    int remaining;
-};
-
 struct Core
 {
     mutable std::recursive_mutex mutex;
     std::vector<FeatureData> features;
     QStringList journal;
-    QStringList reads;
-    QMap<QPair<QString, int>, int> calls;
-    QMap<QPair<QString, int>, Fault> faults;
+    QMap<QPair<QString, int>, QPair<OrvErrorType, int>> faults; // code, calls left (-1: always)
 
     // Notification thread
     mutable std::mutex queueMutex;
@@ -95,78 +84,66 @@ struct Core
     bool stopping = false;
     std::thread notifier;
 
-    int indexOf(const QString& name) const
+    FeatureData* find(const QString& name)
     {
-        for (size_t i = 0; i < features.size(); ++i)
-            if (features[i].name == name)
-                return static_cast<int>(i);
-        return -1;
+        for (FeatureData& d : features)
+            if (d.name == name)
+                return &d;
+        return nullptr;
     }
 
     // The state that reads and writes of the feature address right now.
-    Slot& slot(FeatureData& data)
+    Slot& slot(FeatureData& d)
     {
-        if (data.selector.isEmpty())
-            return data.base;
-        const int sel = indexOf(data.selector);
-        if (sel < 0)
-            return data.base;
-        const QString entry = features[sel].base.value.toString();
-        auto it = data.perEntry.find(entry);
-        return it == data.perEntry.end() ? data.base : it.value();
+        FeatureData* selector = d.selector.isEmpty() ? nullptr : find(d.selector);
+        auto it = selector ? d.perEntry.find(selector->base.value.toString()) : d.perEntry.end();
+        return it == d.perEntry.end() ? d.base : it.value();
     }
 
-    // Counts the call and answers an injected fault, if one is due.
+    // An injected fault due on this call, or success.
     OrvErrorType enter(const QString& name, Op op)
     {
-        const QPair<QString, int> key(name, static_cast<int>(op));
-        ++calls[key];
-        if (op == Op::GetString || op == Op::GetDouble || op == Op::GetInt || op == Op::GetBool)
-            reads.append(name);
-        auto it = faults.find(key);
+        auto it = faults.find(qMakePair(name, int(op)));
         if (it == faults.end())
             return OrvErrorSuccess;
-        const OrvErrorType code = it->code;
-        if (it->remaining > 0 && --it->remaining == 0)
+        const OrvErrorType code = it->first;
+        if (it->second > 0 && --it->second == 0)
             faults.erase(it);
         return code;
     }
 
     void enqueue(int index)
     {
-        {
-            std::lock_guard<std::mutex> lock(queueMutex);
-            queue.push_back(index);
-        }
+        std::lock_guard<std::mutex> lock(queueMutex);
+        queue.push_back(index);
         queueChanged.notify_all();
     }
 
     void run()
     {
+        std::unique_lock<std::mutex> lock(queueMutex);
         for (;;)
         {
-            int index = -1;
-            {
-                std::unique_lock<std::mutex> lock(queueMutex);
-                delivering = false;
-                queueChanged.notify_all();
-                queueChanged.wait(lock, [this] { return stopping || !queue.empty(); });
-                if (stopping)
-                    return;
-                index = queue.front();
-                queue.pop_front();
-                delivering = true;
-            }
+            delivering = false;
+            queueChanged.notify_all();
+            queueChanged.wait(lock, [this] { return stopping || !queue.empty(); });
+            if (stopping)
+                return;
+            const int index = queue.front();
+            queue.pop_front();
+            delivering = true;
+            lock.unlock();
             OrvCPP::shared_ptr<OrvCPP::Feature> handle;
             std::vector<OrvCPP::shared_ptr<OrvCPP::IFeatureObserver>> observers;
             {
-                std::lock_guard<std::recursive_mutex> lock(mutex);
+                std::lock_guard<std::recursive_mutex> data(mutex);
                 handle = std::static_pointer_cast<OrvCPP::Feature>(features[index].handle);
                 observers = features[index].observers;
             }
             // Delivered without any of the camera's locks held.
             for (const auto& observer : observers)
                 observer->FeatureChanged(handle);
+            lock.lock();
         }
     }
 };
@@ -180,260 +157,118 @@ public:
     {
     }
 
-    OrvErrorType GetName(std::string& name) override
+    OrvErrorType GetName(std::string& v) override
     {
-        return read(Op::GetName,
-                    [&](FeatureData& d, Slot&)
-                    {
-                        name = d.name.toStdString();
-                        return OrvErrorSuccess;
-                    });
+        return read(Op::GetName, [&](FeatureData& d, Slot&) { v = d.name.toStdString(); });
     }
-
-    OrvErrorType GetDisplayName(std::string& displayName) override
+    OrvErrorType GetDisplayName(std::string& v) override
     {
-        return read(Op::GetDisplayName,
-                    [&](FeatureData& d, Slot&)
-                    {
-                        displayName = (d.displayName.isEmpty() ? d.name : d.displayName).toStdString();
-                        return OrvErrorSuccess;
-                    });
+        return read(Op::GetDisplayName, [&](FeatureData& d, Slot&)
+                    { v = (d.displayName.isEmpty() ? d.name : d.displayName).toStdString(); });
     }
-
-    OrvErrorType GetCategory(std::string& category) override
+    OrvErrorType GetCategory(std::string& v) override
     {
-        return read(Op::GetCategory,
-                    [&](FeatureData& d, Slot&)
-                    {
-                        category = d.category.toStdString();
-                        return OrvErrorSuccess;
-                    });
+        return read(Op::GetCategory, [&](FeatureData&, Slot&) { v.clear(); });
     }
-
-    OrvErrorType GetDataType(OrvFeatureDataType& type) override
+    OrvErrorType GetDataType(OrvFeatureDataType& v) override
     {
-        return read(Op::GetDataType,
-                    [&](FeatureData& d, Slot&)
-                    {
-                        type = d.type;
-                        return OrvErrorSuccess;
-                    });
+        return read(Op::GetDataType, [&](FeatureData& d, Slot&) { v = d.type; });
     }
-
-    OrvErrorType IsWritable(bool& writable) override
+    OrvErrorType IsWritable(bool& v) override
     {
-        return read(Op::IsWritable,
-                    [&](FeatureData&, Slot& s)
-                    {
-                        writable = s.writable;
-                        return OrvErrorSuccess;
-                    });
+        return read(Op::IsWritable, [&](FeatureData&, Slot& s) { v = s.writable; });
     }
-
-    OrvErrorType IsValueAvailable(const char* value, bool& available) override
+    OrvErrorType IsValueAvailable(const char* value, bool& v) override
     {
+        const QString entry = QString::fromUtf8(value ? value : "");
         return read(Op::IsValueAvailable,
-                    [&](FeatureData& d, Slot& s)
-                    {
-                        if (!value)
-                            return OrvErrorBadParameter;
-                        if (d.type != OrvFeatureDataEnum)
-                            return OrvErrorWrongType;
-                        const QString entry = QString::fromUtf8(value);
-                        if (!d.entries.contains(entry))
-                            return OrvErrorInvalidValue;
-                        available = !s.unavailable.contains(entry);
-                        return OrvErrorSuccess;
-                    });
+                    [&](FeatureData& d, Slot& s) { v = d.entries.contains(entry) && !s.unavailable.contains(entry); },
+                    {OrvFeatureDataEnum});
     }
-
-    OrvErrorType GetValues(std::vector<std::string>& values) override
+    OrvErrorType GetValues(std::vector<std::string>& v) override
     {
         return read(Op::GetValues,
                     [&](FeatureData& d, Slot&)
                     {
-                        if (d.type != OrvFeatureDataEnum)
-                            return OrvErrorWrongType;
-                        values.clear();
+                        v.clear();
                         for (const QString& entry : d.entries)
-                            values.push_back(entry.toStdString());
-                        return OrvErrorSuccess;
-                    });
+                            v.push_back(entry.toStdString());
+                    },
+                    {OrvFeatureDataEnum});
     }
-
-    OrvErrorType GetValue(std::string& value) override
+    OrvErrorType GetValue(std::string& v) override
     {
-        return read(Op::GetString,
-                    [&](FeatureData& d, Slot& s)
-                    {
-                        if (d.type == OrvFeatureDataCommand || d.type == OrvFeatureDataRaw)
-                            return OrvErrorWrongType;
-                        value = typeName(d.type, s.value).toStdString();
-                        return OrvErrorSuccess;
-                    });
+        return read(
+            Op::GetString, [&](FeatureData& d, Slot& s) { v = text(d.type, s.value).toStdString(); },
+            {OrvFeatureDataInt, OrvFeatureDataFloat, OrvFeatureDataEnum, OrvFeatureDataString, OrvFeatureDataBool});
     }
-
-    OrvErrorType GetValue(double& value) override
+    OrvErrorType GetValue(double& v) override
     {
-        return read(Op::GetDouble,
-                    [&](FeatureData& d, Slot& s)
-                    {
-                        if (d.type != OrvFeatureDataFloat)
-                            return OrvErrorWrongType;
-                        value = s.value.toDouble();
-                        return OrvErrorSuccess;
-                    });
+        return read(Op::GetDouble, [&](FeatureData&, Slot& s) { v = s.value.toDouble(); }, {OrvFeatureDataFloat});
     }
-
-    OrvErrorType GetValue(long long& value) override
+    OrvErrorType GetValue(long long& v) override
     {
-        return read(Op::GetInt,
-                    [&](FeatureData& d, Slot& s)
-                    {
-                        if (d.type != OrvFeatureDataInt)
-                            return OrvErrorWrongType;
-                        value = s.value.toLongLong();
-                        return OrvErrorSuccess;
-                    });
+        return read(Op::GetInt, [&](FeatureData&, Slot& s) { v = s.value.toLongLong(); }, {OrvFeatureDataInt});
     }
-
-    OrvErrorType GetValue(bool& value) override
+    OrvErrorType GetValue(bool& v) override
     {
-        return read(Op::GetBool,
-                    [&](FeatureData& d, Slot& s)
-                    {
-                        if (d.type != OrvFeatureDataBool)
-                            return OrvErrorWrongType;
-                        value = s.value.toBool();
-                        return OrvErrorSuccess;
-                    });
+        return read(Op::GetBool, [&](FeatureData&, Slot& s) { v = s.value.toBool(); }, {OrvFeatureDataBool});
     }
-
     OrvErrorType GetRange(double& minimum, double& maximum) override
     {
-        return read(Op::GetRangeDouble,
-                    [&](FeatureData& d, Slot&)
-                    {
-                        if (d.type != OrvFeatureDataFloat)
-                            return OrvErrorWrongType;
-                        minimum = d.minimum;
-                        maximum = d.maximum;
-                        return OrvErrorSuccess;
-                    });
+        return read(Op::GetRangeDouble, [&](FeatureData& d, Slot&) { minimum = d.minimum, maximum = d.maximum; },
+                    {OrvFeatureDataFloat});
     }
-
     OrvErrorType GetRange(long long& minimum, long long& maximum) override
     {
         return read(Op::GetRangeInt,
-                    [&](FeatureData& d, Slot&)
-                    {
-                        if (d.type != OrvFeatureDataInt)
-                            return OrvErrorWrongType;
-                        minimum = static_cast<long long>(d.minimum);
-                        maximum = static_cast<long long>(d.maximum);
-                        return OrvErrorSuccess;
-                    });
+                    [&](FeatureData& d, Slot&) { minimum = (long long)d.minimum, maximum = (long long)d.maximum; },
+                    {OrvFeatureDataInt});
     }
-
-    OrvErrorType GetIncrement(double& increment) override
+    OrvErrorType GetIncrement(double& v) override
     {
-        return read(Op::GetIncrementDouble,
-                    [&](FeatureData& d, Slot&)
-                    {
-                        if (d.type != OrvFeatureDataFloat || d.increment <= 0.0)
-                            return OrvErrorWrongType;
-                        increment = d.increment;
-                        return OrvErrorSuccess;
-                    });
+        return read(
+            Op::GetIncrementDouble, [&](FeatureData& d, Slot&) { v = d.increment; }, {OrvFeatureDataFloat}, true);
     }
-
-    OrvErrorType GetIncrement(long long& increment) override
+    OrvErrorType GetIncrement(long long& v) override
     {
-        return read(Op::GetIncrementInt,
-                    [&](FeatureData& d, Slot&)
-                    {
-                        if (d.type != OrvFeatureDataInt || d.increment <= 0.0)
-                            return OrvErrorWrongType;
-                        increment = static_cast<long long>(d.increment);
-                        return OrvErrorSuccess;
-                    });
+        return read(
+            Op::GetIncrementInt, [&](FeatureData& d, Slot&) { v = (long long)d.increment; }, {OrvFeatureDataInt}, true);
     }
-
     OrvErrorType SetValue(double value) override
     {
-        return write(Op::SetDouble, OrvFeatureDataFloat, QVariant(value));
+        return write(Op::SetDouble, OrvFeatureDataFloat, value);
     }
-
     OrvErrorType SetValue(long long value) override
     {
-        return write(Op::SetInt, OrvFeatureDataInt, QVariant(value));
+        return write(Op::SetInt, OrvFeatureDataInt, value);
     }
-
     OrvErrorType SetValue(bool value) override
     {
-        return write(Op::SetBool, OrvFeatureDataBool, QVariant(value));
+        return write(Op::SetBool, OrvFeatureDataBool, value);
     }
-
     OrvErrorType SetValue(const char* value) override
     {
-        if (!value)
-            return OrvErrorBadParameter;
-        return write(Op::SetString, OrvFeatureDataString, QVariant(QString::fromUtf8(value)));
+        return value ? write(Op::SetString, OrvFeatureDataString, QString::fromUtf8(value)) : OrvErrorBadParameter;
     }
-
     OrvErrorType RunCommand() override
     {
-        std::shared_ptr<Core> core = m_core.lock();
-        if (!core)
-            return OrvErrorDeviceLost;
-        std::lock_guard<std::recursive_mutex> lock(core->mutex);
-        FeatureData& d = core->features[m_index];
-        OrvErrorType code = core->enter(d.name, Op::RunCommand);
-        if (code == OrvErrorSuccess && d.type != OrvFeatureDataCommand)
-            code = OrvErrorWrongType;
-        core->journal.append(d.name + QStringLiteral("()") + refusal(code));
-        return code;
+        return write(Op::RunCommand, OrvFeatureDataCommand, QVariant());
     }
-
     OrvErrorType RegisterObserver(const OrvCPP::shared_ptr<OrvCPP::IFeatureObserver>& observer) override
     {
-        return read(Op::RegisterObserver,
-                    [&](FeatureData& d, Slot&)
-                    {
-                        if (!observer)
-                            return OrvErrorBadParameter;
-                        for (const auto& o : d.observers)
-                            if (o == observer)
-                                return OrvErrorInvalidCall;
-                        d.observers.push_back(observer);
-                        return OrvErrorSuccess;
-                    });
+        return observe(Op::RegisterObserver, observer, true);
     }
-
     OrvErrorType UnregisterObserver(const OrvCPP::shared_ptr<OrvCPP::IFeatureObserver>& observer) override
     {
-        return read(Op::UnregisterObserver,
-                    [&](FeatureData& d, Slot&)
-                    {
-                        for (auto it = d.observers.begin(); it != d.observers.end(); ++it)
-                        {
-                            if (*it == observer)
-                            {
-                                d.observers.erase(it);
-                                return OrvErrorSuccess;
-                            }
-                        }
-                        return OrvErrorInvalidCall;
-                    });
+        return observe(Op::UnregisterObserver, observer, false);
     }
 
 private:
-    static QString refusal(OrvErrorType code)
-    {
-        return code == OrvErrorSuccess ? QString() : QStringLiteral(" refused %1").arg(code);
-    }
-
-    template <typename Body> OrvErrorType read(Op op, Body body)
+    // Runs a query under the camera's lock: an injected fault, a feature of a type
+    // not in `types` (when given), or a missing increment fails it.
+    OrvErrorType read(Op op, const std::function<void(FeatureData&, Slot&)>& body,
+                      const QVector<OrvFeatureDataType>& types = {}, bool increment = false)
     {
         std::shared_ptr<Core> core = m_core.lock();
         if (!core)
@@ -443,11 +278,34 @@ private:
         const OrvErrorType code = core->enter(d.name, op);
         if (code != OrvErrorSuccess)
             return code;
-        return body(d, core->slot(d));
+        if ((!types.isEmpty() && !types.contains(d.type)) || (increment && d.increment <= 0.0))
+            return OrvErrorWrongType;
+        body(d, core->slot(d));
+        return OrvErrorSuccess;
     }
 
-    // Checks a write as a camera would (type, access, range, entry), journals it,
-    // stores it, and queues the change notifications.
+    OrvErrorType observe(Op op, const OrvCPP::shared_ptr<OrvCPP::IFeatureObserver>& observer, bool add)
+    {
+        OrvErrorType code = OrvErrorSuccess;
+        const OrvErrorType fault = read(op,
+                                        [&](FeatureData& d, Slot&)
+                                        {
+                                            auto it = std::find(d.observers.begin(), d.observers.end(), observer);
+                                            if (!observer)
+                                                code = OrvErrorBadParameter;
+                                            else if ((it != d.observers.end()) == add)
+                                                code = OrvErrorInvalidCall;
+                                            else if (add)
+                                                d.observers.push_back(observer);
+                                            else
+                                                d.observers.erase(it);
+                                        });
+        return fault != OrvErrorSuccess ? fault : code;
+    }
+
+    // Checks a write as a camera would (type, access, range, grid, entry),
+    // journals it, stores it and queues the change notifications, also of the
+    // features whose value changes with this selector.
     OrvErrorType write(Op op, OrvFeatureDataType type, const QVariant& value)
     {
         std::shared_ptr<Core> core = m_core.lock();
@@ -458,51 +316,39 @@ private:
         Slot& s = core->slot(d);
         OrvErrorType code = core->enter(d.name, op);
         const bool textual = d.type == OrvFeatureDataEnum || d.type == OrvFeatureDataString;
-        if (code == OrvErrorSuccess && !(d.type == type || (type == OrvFeatureDataString && textual)))
+        const double v = value.toDouble();
+        if (code == OrvErrorSuccess && d.type != type && !(type == OrvFeatureDataString && textual))
             code = OrvErrorWrongType;
-        if (code == OrvErrorSuccess && !s.writable)
+        else if (code == OrvErrorSuccess && !s.writable)
             code = OrvErrorInvalidAccess;
-        if (code == OrvErrorSuccess && (d.type == OrvFeatureDataInt || d.type == OrvFeatureDataFloat))
-        {
-            const double v = value.toDouble();
-            if (v < d.minimum || v > d.maximum)
-                code = OrvErrorInvalidValue;
-            else if (d.type == OrvFeatureDataInt && d.increment > 0 &&
-                     (value.toLongLong() - static_cast<long long>(d.minimum)) % static_cast<long long>(d.increment) !=
-                         0)
-                code = OrvErrorInvalidValue;
-        }
-        if (code == OrvErrorSuccess && d.type == OrvFeatureDataEnum)
-        {
-            const QString entry = value.toString();
-            if (!d.entries.contains(entry) || s.unavailable.contains(entry))
-                code = OrvErrorInvalidValue;
-        }
-        core->journal.append(d.name + QLatin1Char('=') + typeName(d.type, value) + refusal(code));
-        if (code != OrvErrorSuccess)
+        else if (code == OrvErrorSuccess && (d.type == OrvFeatureDataInt || d.type == OrvFeatureDataFloat) &&
+                 (v < d.minimum || v > d.maximum ||
+                  (d.type == OrvFeatureDataInt && d.increment > 0 &&
+                   (value.toLongLong() - (long long)d.minimum) % (long long)d.increment != 0)))
+            code = OrvErrorInvalidValue;
+        else if (code == OrvErrorSuccess && d.type == OrvFeatureDataEnum &&
+                 (!d.entries.contains(value.toString()) || s.unavailable.contains(value.toString())))
+            code = OrvErrorInvalidValue;
+        const QString refusal = code == OrvErrorSuccess ? QString() : QString(" refused %1").arg(code);
+        core->journal << d.name + (type == OrvFeatureDataCommand ? "()" : "=" + text(d.type, value)) + refusal;
+        if (code != OrvErrorSuccess || type == OrvFeatureDataCommand)
             return code;
 
-        // Dependent features whose reads change with this write are reported too.
-        QVector<int> dependents;
+        QMap<int, QString> dependents;
         for (size_t i = 0; i < core->features.size(); ++i)
             if (core->features[i].selector == d.name)
-                dependents.append(static_cast<int>(i));
-        QVector<QString> before;
-        for (int i : dependents)
-            before.append(core->slot(core->features[i]).value.toString());
-        s.value = fitType(d.type, value);
+                dependents[int(i)] = core->slot(core->features[i]).value.toString();
+        s.value = fit(d.type, value);
         core->enqueue(m_index);
-        for (int k = 0; k < dependents.size(); ++k)
-            if (core->slot(core->features[dependents[k]]).value.toString() != before[k])
-                core->enqueue(dependents[k]);
+        for (auto it = dependents.cbegin(); it != dependents.cend(); ++it)
+            if (core->slot(core->features[it.key()]).value.toString() != it.value())
+                core->enqueue(it.key());
         return OrvErrorSuccess;
     }
 
     std::weak_ptr<Core> m_core;
     int m_index;
 };
-
-// ---------------------------------------------------------------- FeatureSetup
 
 FeatureSetup::FeatureSetup(std::shared_ptr<Core> core, int index)
     : m_core(std::move(core))
@@ -514,13 +360,6 @@ FeatureSetup& FeatureSetup::displayName(const QString& text)
 {
     std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
     m_core->features[m_index].displayName = text;
-    return *this;
-}
-
-FeatureSetup& FeatureSetup::category(const QString& text)
-{
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    m_core->features[m_index].category = text;
     return *this;
 }
 
@@ -550,9 +389,8 @@ FeatureSetup& FeatureSetup::selectedBy(const QString& selectorName)
     FeatureData& d = m_core->features[m_index];
     d.selector = selectorName;
     d.perEntry.clear();
-    const int sel = m_core->indexOf(selectorName);
-    if (sel >= 0)
-        for (const QString& entry : m_core->features[sel].entries)
+    if (FeatureData* selector = m_core->find(selectorName))
+        for (const QString& entry : selector->entries)
             d.perEntry.insert(entry, d.base);
     return *this;
 }
@@ -561,7 +399,7 @@ FeatureSetup& FeatureSetup::setAt(const QString& selectorEntry, const QVariant& 
 {
     std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
     FeatureData& d = m_core->features[m_index];
-    d.perEntry[selectorEntry].value = fitType(d.type, value);
+    d.perEntry[selectorEntry].value = fit(d.type, value);
     return *this;
 }
 
@@ -571,15 +409,6 @@ FeatureSetup& FeatureSetup::writableAt(const QString& selectorEntry, bool on)
     m_core->features[m_index].perEntry[selectorEntry].writable = on;
     return *this;
 }
-
-FeatureSetup& FeatureSetup::unavailableAt(const QString& selectorEntry, const QStringList& entries)
-{
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    m_core->features[m_index].perEntry[selectorEntry].unavailable = QSet<QString>(entries.begin(), entries.end());
-    return *this;
-}
-
-// ---------------------------------------------------------------- TestCamera
 
 TestCamera::TestCamera()
     : m_core(std::make_shared<Core>())
@@ -593,8 +422,8 @@ TestCamera::~TestCamera()
     {
         std::lock_guard<std::mutex> lock(m_core->queueMutex);
         m_core->stopping = true;
+        m_core->queueChanged.notify_all();
     }
-    m_core->queueChanged.notify_all();
     m_core->notifier.join();
     // Handles still held elsewhere answer "device lost" from now on.
     std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
@@ -602,14 +431,19 @@ TestCamera::~TestCamera()
         d.observers.clear();
 }
 
-FeatureSetup TestCamera::add(const QString& name, OrvFeatureDataType type, const QVariant& value)
+FeatureSetup TestCamera::add(const QString& name, OrvFeatureDataType type, const QVariant& value, double minimum,
+                             double maximum, double increment, const QStringList& entries)
 {
     std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
     FeatureData d;
     d.name = name;
     d.type = type;
-    d.base.value = fitType(type, value);
-    const int index = static_cast<int>(m_core->features.size());
+    d.base.value = fit(type, value);
+    d.minimum = minimum;
+    d.maximum = maximum;
+    d.increment = increment;
+    d.entries = entries;
+    const int index = int(m_core->features.size());
     d.handle = std::make_shared<TestFeature>(m_core, index);
     m_core->features.push_back(d);
     return FeatureSetup(m_core, index);
@@ -618,42 +452,27 @@ FeatureSetup TestCamera::add(const QString& name, OrvFeatureDataType type, const
 FeatureSetup TestCamera::addInt(const QString& name, long long value, long long minimum, long long maximum,
                                 long long increment)
 {
-    FeatureSetup setup = add(name, OrvFeatureDataInt, QVariant(value));
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    FeatureData& d = m_core->features.back();
-    d.minimum = static_cast<double>(minimum);
-    d.maximum = static_cast<double>(maximum);
-    d.increment = static_cast<double>(increment);
-    return setup;
+    return add(name, OrvFeatureDataInt, value, double(minimum), double(maximum), double(increment));
 }
 
 FeatureSetup TestCamera::addFloat(const QString& name, double value, double minimum, double maximum, double increment)
 {
-    FeatureSetup setup = add(name, OrvFeatureDataFloat, QVariant(value));
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    FeatureData& d = m_core->features.back();
-    d.minimum = minimum;
-    d.maximum = maximum;
-    d.increment = increment;
-    return setup;
+    return add(name, OrvFeatureDataFloat, value, minimum, maximum, increment);
 }
 
 FeatureSetup TestCamera::addBool(const QString& name, bool value)
 {
-    return add(name, OrvFeatureDataBool, QVariant(value));
+    return add(name, OrvFeatureDataBool, value);
 }
 
 FeatureSetup TestCamera::addEnum(const QString& name, const QStringList& entries, const QString& value)
 {
-    FeatureSetup setup = add(name, OrvFeatureDataEnum, QVariant(value));
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    m_core->features.back().entries = entries;
-    return setup;
+    return add(name, OrvFeatureDataEnum, value, 0, 0, 0, entries);
 }
 
 FeatureSetup TestCamera::addString(const QString& name, const QString& value)
 {
-    return add(name, OrvFeatureDataString, QVariant(value));
+    return add(name, OrvFeatureDataString, value);
 }
 
 FeatureSetup TestCamera::addCommand(const QString& name)
@@ -678,58 +497,36 @@ FeatureList TestCamera::features() const
 OrvCPP::shared_ptr<OrvCPP::Feature> TestCamera::feature(const QString& name) const
 {
     std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    const int index = m_core->indexOf(name);
-    if (index < 0)
-        return nullptr;
-    return m_core->features[index].handle;
+    FeatureData* d = m_core->find(name);
+    return d ? d->handle : nullptr;
 }
 
 QString TestCamera::value(const QString& name) const
 {
     std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    const int index = m_core->indexOf(name);
-    if (index < 0)
-        return QString();
-    FeatureData& d = m_core->features[index];
-    return typeName(d.type, m_core->slot(d).value);
-}
-
-QString TestCamera::valueAt(const QString& name, const QString& selectorEntry) const
-{
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    const int index = m_core->indexOf(name);
-    if (index < 0)
-        return QString();
-    const FeatureData& d = m_core->features[index];
-    return typeName(d.type, d.perEntry.value(selectorEntry, d.base).value);
+    FeatureData* d = m_core->find(name);
+    return d ? text(d->type, m_core->slot(*d).value) : QString();
 }
 
 void TestCamera::set(const QString& name, const QVariant& value)
 {
     std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    const int index = m_core->indexOf(name);
-    if (index < 0)
-        return;
-    FeatureData& d = m_core->features[index];
-    m_core->slot(d).value = fitType(d.type, value);
+    if (FeatureData* d = m_core->find(name))
+        m_core->slot(*d).value = fit(d->type, value);
 }
 
 void TestCamera::setAt(const QString& name, const QString& selectorEntry, const QVariant& value)
 {
     std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    const int index = m_core->indexOf(name);
-    if (index < 0)
-        return;
-    FeatureData& d = m_core->features[index];
-    d.perEntry[selectorEntry].value = fitType(d.type, value);
+    if (FeatureData* d = m_core->find(name))
+        d->perEntry[selectorEntry].value = fit(d->type, value);
 }
 
 void TestCamera::setWritable(const QString& name, bool on)
 {
     std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    const int index = m_core->indexOf(name);
-    if (index >= 0)
-        FeatureSetup(m_core, index).writable(on);
+    if (FeatureData* d = m_core->find(name))
+        FeatureSetup(m_core, int(d - m_core->features.data())).writable(on);
 }
 
 QStringList TestCamera::journal() const
@@ -744,43 +541,10 @@ void TestCamera::clearJournal()
     m_core->journal.clear();
 }
 
-QStringList TestCamera::reads() const
-{
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    return m_core->reads;
-}
-
-void TestCamera::clearReads()
-{
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    m_core->reads.clear();
-}
-
-int TestCamera::calls(const QString& name, Op op) const
-{
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    return m_core->calls.value(qMakePair(name, static_cast<int>(op)), 0);
-}
-
-int TestCamera::totalCalls() const
-{
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    int total = 0;
-    for (int n : m_core->calls)
-        total += n;
-    return total;
-}
-
-void TestCamera::resetCalls()
-{
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    m_core->calls.clear();
-}
-
 void TestCamera::fail(const QString& name, Op op, OrvErrorType code, int times)
 {
     std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    m_core->faults.insert(qMakePair(name, static_cast<int>(op)), Fault{code, times});
+    m_core->faults.insert(qMakePair(name, int(op)), qMakePair(code, times));
 }
 
 void TestCamera::clearFaults()
@@ -792,9 +556,8 @@ void TestCamera::clearFaults()
 void TestCamera::notify(const QString& name)
 {
     std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    const int index = m_core->indexOf(name);
-    if (index >= 0)
-        m_core->enqueue(index);
+    if (FeatureData* d = m_core->find(name))
+        m_core->enqueue(int(d - m_core->features.data()));
 }
 
 void TestCamera::waitForNotifications() const
@@ -806,8 +569,8 @@ void TestCamera::waitForNotifications() const
 int TestCamera::observerCount(const QString& name) const
 {
     std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    const int index = m_core->indexOf(name);
-    return index < 0 ? 0 : static_cast<int>(m_core->features[index].observers.size());
+    FeatureData* d = m_core->find(name);
+    return d ? int(d->observers.size()) : 0;
 }
 
 } // namespace TestCam

@@ -9,10 +9,9 @@
 
 #include <memory>
 
-// An in-memory camera for tests: typed features with ranges, enumeration
-// entries and selectors, an ordered journal of every write and command, call
-// counts per operation, injected faults, and change notifications delivered on
-// a thread of its own (as a real camera API does).
+// An in-memory camera for what a GenICam engine cannot give tests: an ordered
+// journal of every write and command, faults injected on any operation, and
+// change notifications delivered on a thread of its own (as a camera API does).
 //
 //   TestCamera cam;
 //   cam.addEnum("LineSelector", {"Line0", "Line1"}, "Line0");
@@ -22,7 +21,7 @@
 namespace TestCam
 {
 
-// Operations of a feature, for call counts and fault injection.
+// Operations of a feature, for fault injection.
 enum class Op
 {
     GetName,
@@ -50,7 +49,6 @@ enum class Op
 };
 
 struct Core;
-class TestFeature;
 
 // Configuration handle of one feature, returned by the TestCamera::add... calls.
 class FeatureSetup
@@ -59,7 +57,6 @@ public:
     FeatureSetup(std::shared_ptr<Core> core, int index);
 
     FeatureSetup& displayName(const QString& text);
-    FeatureSetup& category(const QString& text);
     FeatureSetup& writable(bool on);
     FeatureSetup& unavailable(const QStringList& entries);
     // The feature holds one state per entry of the selector; every entry starts
@@ -67,7 +64,6 @@ public:
     FeatureSetup& selectedBy(const QString& selectorName);
     FeatureSetup& setAt(const QString& selectorEntry, const QVariant& value);
     FeatureSetup& writableAt(const QString& selectorEntry, bool on);
-    FeatureSetup& unavailableAt(const QString& selectorEntry, const QStringList& entries);
 
 private:
     std::shared_ptr<Core> m_core;
@@ -97,10 +93,9 @@ public:
     FeatureList features() const;
     OrvCPP::shared_ptr<OrvCPP::Feature> feature(const QString& name) const;
 
-    // Current value as text (for a selected feature: at the selector's current entry,
-    // or at the given entry); set without a journal entry or a notification.
+    // Value as text at the selector's current entry; set without a journal entry
+    // or a notification (a missing name is ignored).
     QString value(const QString& name) const;
-    QString valueAt(const QString& name, const QString& selectorEntry) const;
     void set(const QString& name, const QVariant& value);
     void setAt(const QString& name, const QString& selectorEntry, const QVariant& value);
     void setWritable(const QString& name, bool on);
@@ -109,14 +104,6 @@ public:
     // "Name()" for a command; a refused one gets " refused" and its code appended.
     QStringList journal() const;
     void clearJournal();
-
-    // Names of the features whose value was read (any type), in the order of the reads.
-    QStringList reads() const;
-    void clearReads();
-
-    int calls(const QString& name, Op op) const;
-    int totalCalls() const;
-    void resetCalls();
 
     // Make an operation of a feature return the code: `times` calls, or always (-1).
     void fail(const QString& name, Op op, OrvErrorType code, int times = -1);
@@ -129,7 +116,8 @@ public:
     int observerCount(const QString& name) const;
 
 private:
-    FeatureSetup add(const QString& name, OrvFeatureDataType type, const QVariant& value);
+    FeatureSetup add(const QString& name, OrvFeatureDataType type, const QVariant& value, double minimum = 0,
+                     double maximum = 0, double increment = 0, const QStringList& entries = {});
 
     std::shared_ptr<Core> m_core;
 };
