@@ -13,18 +13,12 @@ public:
 
     using BaseTabPluginWidget::m_ObservedFeatures;
     using BaseTabPluginWidget::m_pChangedFeatures;
-    using BaseTabPluginWidget::m_pFeatureManager;
     using BaseTabPluginWidget::m_pMutex;
     using BaseTabPluginWidget::m_pUpdateTimer;
 
-    using IOTriggerWidget::m_bUserOutputSelector;
-    using IOTriggerWidget::m_nOptionalOutputs;
     using IOTriggerWidget::m_OptionalOutCombos;
-    using IOTriggerWidget::m_OptionalOutputs;
-    using IOTriggerWidget::m_OutLineLabels;
     using IOTriggerWidget::m_OutputRows;
     using IOTriggerWidget::m_Outputs;
-    using IOTriggerWidget::m_OutsIndex;
     using IOTriggerWidget::m_pButtonBulk;
     using IOTriggerWidget::m_pButtonEdge;
     using IOTriggerWidget::m_pButtonLevel;
@@ -39,28 +33,9 @@ public:
     using IOTriggerWidget::m_pComboTriggerSelector;
     using IOTriggerWidget::m_pComboTriggerSource;
     using IOTriggerWidget::m_pEditSyncLevels;
-    using IOTriggerWidget::m_pGridTrigger;
-    using IOTriggerWidget::m_pGroupAcquisition;
-    using IOTriggerWidget::m_pGroupQuickSettings;
-    using IOTriggerWidget::m_pGroupTrigger;
-    using IOTriggerWidget::m_pLabelAcquisitionMode;
-    using IOTriggerWidget::m_pLabelExposureAuto;
-    using IOTriggerWidget::m_pLabelExposureMode;
-    using IOTriggerWidget::m_pLabelFrameCount;
-    using IOTriggerWidget::m_pLabelInputLineSelector;
-    using IOTriggerWidget::m_pLabelLineRouting;
     using IOTriggerWidget::m_pLabelOutInvert;
     using IOTriggerWidget::m_pLabelOutSource;
-    using IOTriggerWidget::m_pLabelOutStatus;
-    using IOTriggerWidget::m_pLabelSyncLevels;
-    using IOTriggerWidget::m_pLabelTriggerActivation;
-    using IOTriggerWidget::m_pLabelTriggerMode;
-    using IOTriggerWidget::m_pLabelTriggerSelector;
-    using IOTriggerWidget::m_pLabelTriggerSource;
-    using IOTriggerWidget::m_pLabelUserOutSelector;
-    using IOTriggerWidget::m_pLabelUserValue;
     using IOTriggerWidget::m_pSpinAcquisitionFrameCount;
-    using IOTriggerWidget::m_Spacers;
     using IOTriggerWidget::ui;
 
     // Runs one refresh tick on the given changed names (observers are off during
