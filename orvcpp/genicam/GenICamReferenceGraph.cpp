@@ -21,9 +21,10 @@ namespace
 //   value depending on its own availability or lock is a loop there, and such
 //   a description is broken for every reader.
 // Left out, as they are legitimately circular or never evaluated in a chain:
-// - pMin, pMax, pInc are read only for the node's own range, and a limit
-//   formula reads other values, not their limits (Width's maximum reads
-//   OffsetX, OffsetX's maximum reads Width: that is normal and ends).
+// - pMin, pMax, pInc are read only for the node's own range (when asked for,
+//   or to check a write), and a limit formula reads other values, not their
+//   limits (Width's maximum reads OffsetX, OffsetX's maximum reads Width:
+//   that is normal and ends).
 // - pSelected lists the features a selector switches; they commonly read the
 //   selector back through their pIndex or address formula.
 // - pInvalidator is only compared for the register cache, pFeature lists the
