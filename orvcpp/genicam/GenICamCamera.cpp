@@ -6,6 +6,7 @@
 #include "FeaturePoller.h"
 #include "GenICamDevice.h"
 #include "GenICamFeature.h"
+#include "GenICamReferenceGraph.h"
 
 #include <QAtomicInt>
 #include <QFile>
@@ -196,6 +197,15 @@ OrvErrorType GenICamCamera::open(const QString& id)
     {
         g_object_unref(device);
         return fail(OrvErrorInvalidValue, QStringLiteral("Device '%1' has no GenICam description").arg(id));
+    }
+    // Before any feature is read: Aravis would follow a loop until the stack overflows.
+    const QStringList loop = GenICamReferenceGraph(arv_device_get_genicam(device)).findLoop();
+    if (!loop.isEmpty())
+    {
+        g_object_unref(device);
+        return fail(
+            OrvErrorInvalidValue,
+            QStringLiteral("Reference loop in the camera description: %1").arg(GenICamReferenceGraph::describe(loop)));
     }
     auto shared = std::make_shared<GenICamDevice>(device, id.toStdString());
     ArvGcNode* root = arv_gc_get_node(shared->genicam(), "Root");

@@ -41,7 +41,8 @@ public:
     // Opens a device, closing the one opened before. On failure errorString()
     // tells why: OrvErrorNotFound (unknown id, missing file), OrvErrorInvalidAccess
     // (unreadable file, device in use by another program), OrvErrorInvalidValue
-    // (not a valid GenICam description), OrvErrorInternalFault (anything else).
+    // (not a valid GenICam description, or one with a reference loop), OrvErrorInternalFault
+    // (anything else).
     OrvErrorType open(const QString& id);
     // Forgets the device; features already handed out keep working until dropped.
     void close();

@@ -51,19 +51,67 @@ private slots:
     void openErrors_data()
     {
         QTest::addColumn<QString>("id");
-        QTest::addColumn<QByteArray>("fileContent"); // written to a temporary file used as "fake:" id when set
+        QTest::addColumn<QByteArray>("fileContent"); // written to a temporary file used as "fake:" id when not null
         QTest::addColumn<OrvErrorType>("code");
+        QTest::addColumn<QString>("reason"); // part of the message
 
-        QTest::newRow("unknown device id") << "no-such-camera-4711" << QByteArray() << OrvErrorType(OrvErrorNotFound);
-        QTest::newRow("empty id") << "" << QByteArray() << OrvErrorType(OrvErrorBadParameter);
+        const OrvErrorType invalid = OrvErrorInvalidValue;
+        QTest::newRow("unknown device id")
+            << "no-such-camera-4711" << QByteArray() << OrvErrorType(OrvErrorNotFound) << "";
+        QTest::newRow("empty id") << "" << QByteArray() << OrvErrorType(OrvErrorBadParameter) << "";
         QTest::newRow("missing file") << "fake:/nonexistent/camera.xml" << QByteArray()
-                                      << OrvErrorType(OrvErrorNotFound);
-        QTest::newRow("fake without path") << "fake:" << QByteArray() << OrvErrorType(OrvErrorNotFound);
-        QTest::newRow("empty file") << "" << QByteArray(" ") << OrvErrorType(OrvErrorInvalidValue);
-        QTest::newRow("broken xml") << "" << QByteArray("<RegisterDescription><Category Name=")
-                                    << OrvErrorType(OrvErrorInvalidValue);
+                                      << OrvErrorType(OrvErrorNotFound) << "not found";
+        QTest::newRow("fake without path") << "fake:" << QByteArray() << OrvErrorType(OrvErrorNotFound) << "";
+        QTest::newRow("empty file") << "" << QByteArray("") << invalid << "empty file";
+        QTest::newRow("malformed xml") << "" << QByteArray("<RegisterDescription><Category Name=\"Root\"></pFeature>")
+                                       << invalid << "not well-formed";
+        QFile model(modelPath("line-camera.xml"));
+        model.open(QIODevice::ReadOnly);
+        QTest::newRow("truncated model") << "" << model.readAll().left(int(model.size() / 2)) << invalid
+                                         << "not well-formed";
         QTest::newRow("xml but not GenICam")
-            << "" << QByteArray("<?xml version=\"1.0\"?><html><body/></html>") << OrvErrorType(OrvErrorInvalidValue);
+            << "" << QByteArray("<?xml version=\"1.0\"?><html><body/></html>") << invalid << "no 'Root' category";
+
+        // Nodes whose evaluation needs themselves: Aravis would recurse without end.
+        const auto loop = [](const char* name, const QByteArray& nodes, const QString& names)
+        {
+            QTest::newRow(name) << ""
+                                << "<RegisterDescription><Category Name=\"Root\"><pFeature>A</pFeature></Category>" +
+                                       nodes + "</RegisterDescription>"
+                                << OrvErrorType(OrvErrorInvalidValue)
+                                << "Reference loop in the camera description: " + names;
+        };
+        const QByteArray formulaOfA = "<pVariable Name=\"X\">A</pVariable><Formula>X</Formula></IntSwissKnife>";
+        loop("formula variable is the formula", "<IntSwissKnife Name=\"A\">" + formulaOfA, "A -> A");
+        loop("availability nodes point at each other",
+             "<Integer Name=\"A\"><pIsAvailable>B</pIsAvailable><Value>1</Value></Integer>"
+             "<Integer Name=\"B\"><pIsAvailable>A</pIsAvailable><Value>1</Value></Integer>",
+             "A -> B -> A");
+        loop("lock through a formula",
+             "<Integer Name=\"A\"><pIsLocked>L</pIsLocked><Value>1</Value></Integer><IntSwissKnife Name=\"L\">" +
+                 formulaOfA,
+             "A -> L -> A");
+        loop("value loop",
+             "<Integer Name=\"A\"><pValue>B</pValue></Integer><Integer Name=\"B\"><pValue>A</pValue></Integer>",
+             "A -> B -> A");
+        loop("address through a formula",
+             "<IntReg Name=\"A\"><pAddress>S</pAddress><Length>4</Length><pPort>Device</pPort></IntReg>"
+             "<IntSwissKnife Name=\"S\">" +
+                 formulaOfA,
+             "A -> S -> A");
+        loop("three nodes",
+             "<Integer Name=\"A\"><pValue>B</pValue></Integer><IntSwissKnife Name=\"B\"><pVariable "
+             "Name=\"X\">C</pVariable><Formula>X</Formula></IntSwissKnife><Integer "
+             "Name=\"C\"><pValue>A</pValue></Integer>",
+             "A -> B -> C -> A");
+        // About 20 MB, one loop through all of it (the message leaves its middle out).
+        QByteArray chain = "<Integer Name=\"A\"><pValue>N0</pValue></Integer>";
+        const int count = 360000;
+        for (int i = 0; i < count; ++i)
+            chain += "<Integer Name=\"N" + QByteArray::number(i) + "\"><pValue>N" +
+                     QByteArray::number((i + 1) % count) + "</pValue></Integer>";
+        loop("huge, one long loop", chain,
+             "N0 -> N1 -> N2 -> N3 -> ... (359993 more) ... -> N359997 -> N359998 -> N359999 -> N0");
     }
 
     void openErrors()
@@ -71,9 +119,10 @@ private slots:
         QFETCH(QString, id);
         QFETCH(QByteArray, fileContent);
         QFETCH(OrvErrorType, code);
+        QFETCH(QString, reason);
 
         QTemporaryDir dir;
-        if (!fileContent.isEmpty())
+        if (!fileContent.isNull())
         {
             QFile file(dir.filePath("camera.xml"));
             QVERIFY(file.open(QIODevice::WriteOnly));
@@ -85,6 +134,7 @@ private slots:
         GenICamCamera camera;
         QCOMPARE(camera.open(id), code);
         QVERIFY(!camera.errorString().isEmpty());
+        QVERIFY2(camera.errorString().contains(reason), qPrintable(camera.errorString()));
         QVERIFY(!camera.isOpen());
         QVERIFY(camera.features()->isEmpty());
 

@@ -62,6 +62,11 @@ void tst_ViewerCommandLine::initTestCase()
     QFile plain(m_dir.filePath("plain.xml"));
     QVERIFY(plain.open(QIODevice::WriteOnly));
     plain.write("<?xml version=\"1.0\"?><html><body>not a camera</body></html>");
+    QFile loop(m_dir.filePath("loop.xml")); // a formula whose variable is the formula
+    QVERIFY(loop.open(QIODevice::WriteOnly));
+    loop.write(
+        "<RegisterDescription><Category Name=\"Root\"><pFeature>A</pFeature></Category><IntSwissKnife "
+        "Name=\"A\"><pVariable Name=\"X\">A</pVariable><Formula>X</Formula></IntSwissKnife></RegisterDescription>");
 }
 
 void tst_ViewerCommandLine::badCamera_data()
@@ -70,6 +75,7 @@ void tst_ViewerCommandLine::badCamera_data()
     QTest::newRow("missing model file") << "fake:" + m_dir.filePath("nothing-here.xml");
     QTest::newRow("malformed model file") << "fake:" + m_dir.filePath("broken.xml");
     QTest::newRow("not a GenICam description") << "fake:" + m_dir.filePath("plain.xml");
+    QTest::newRow("reference loop") << "fake:" + m_dir.filePath("loop.xml");
 }
 
 void tst_ViewerCommandLine::badCamera()
