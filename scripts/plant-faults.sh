@@ -23,7 +23,6 @@ mask-bit~triggerio/IOTriggerWidgetOutputs.cpp~mask |= quint32(1) << (i % 32);~ma
 sync-source-all~triggerio/IOTriggerWidgetOutputs.cpp~            if (source == text)~            if (!text.isEmpty())~sync-out source written to every row
 levels-read~triggerio/IOTriggerWidgetUserOutputs.cpp~((levels >> (i % 64)) & 1) != 0~((levels >> (i % 64)) & 2) != 0~level mask read with the wrong bit
 userout-restore~triggerio/IOTriggerWidgetUserOutputs.cpp~    m_pFeatureManager->SetValue("UserOutputSelector", saved);\n    // Tells~    // Tells~UserOutputSelector not restored after a user value write
-userout-state~triggerio/IOTriggerWidgetUserOutputs.cpp~SetValue("UserOutputValue", static_cast<double>(state))~SetValue("UserOutputValue", static_cast<double>(state != 0))~user value written as 1 instead of the check state 2
 userout-shared~triggerio/IOTriggerWidgetUserOutputs.cpp~            SetOnCBOutUserValueChanged(j, state);~            ;~lines sharing a user output are not written
 selout-restore~triggerio/IOTriggerWidgetSelectableOutputs.cpp~<< m_pFeatureManager->SetValue("LineSelector", saved);~<< saved;~selectable-output refresh leaves LineSelector moved
 routing~triggerio/IOTriggerWidgetTriggerInput.cpp~state < 1 ? QString("Off") : QString("Trigger")~state < 1 ? QString("Trigger") : QString("Off")~line routing written the wrong way round
@@ -39,6 +38,8 @@ alt-name~features/FeatureManager.cpp~    if (!feature && !alt1.isEmpty())\n     
 grid-max~features/FeatureManager.cpp~std::floor((maximum - minimum) / increment * 1.000000000001)~std::ceil((maximum - minimum) / increment)~a maximum off the increment grid is rounded up
 gc-locked~orvcpp/genicam/GenICamFeature.cpp~return available && implemented && !locked ? OrvErrorSuccess : OrvErrorInvalidAccess;~return available && implemented ? OrvErrorSuccess : OrvErrorInvalidAccess;~a locked GenICam feature accepts writes
 gc-notify~orvcpp/genicam/FeaturePoller.cpp~            observer->FeatureChanged(feature);~            (void)observer;~the backend never notifies
+observer-left~tabbase/BaseTabPluginWidget.cpp~    UnRegisterFeatureObserver(true);\n    delete m_pChangedFeatures;~    delete m_pChangedFeatures;~a deleted tab leaves its observers registered
+streaming-lock~triggerio/IOTriggerWidgetStreamingLock.cpp~enable(m_pComboTriggerSource, !streaming);~enable(m_pComboTriggerSource, true);~the trigger source stays editable while the camera streams
 get-result~plugin/TabExtensionPlugin.cpp~        return e.Result();~        return 0;~an unsupported camera is reported as success
 LIST
 )
