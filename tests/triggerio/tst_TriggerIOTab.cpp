@@ -78,6 +78,13 @@ const QList<QPair<QString, Action>>& scenarios()
     static const QList<QPair<QString, Action>> list{
         {"build", [](TabAccess&, TestCamera&) {}},
         {"camera changes", cameraChanges},
+        {"levels changed alone",
+         [](TabAccess& t, TestCamera& cam)
+         {
+             cam.set("SyncOutLevels", 5);
+             cam.set("LineOutLevels", 2);
+             t.refresh({"SyncOutLevels", "LineOutLevels"});
+         }},
         {"edge", [](TabAccess& t, TestCamera&) { t.m_pButtonEdge->click(); }},
         {"level", [](TabAccess& t, TestCamera&) { t.m_pButtonLevel->click(); }},
         {"bulk", [](TabAccess& t, TestCamera&) { t.m_pButtonBulk->click(); }},
