@@ -107,6 +107,21 @@ int ViewerWindow::frameCount() const
     return m_stream->frameCount();
 }
 
+void ViewerWindow::triggerSoftware()
+{
+    for (const OrvCPP::shared_ptr<OrvCPP::Feature>& feature : *m_features)
+    {
+        std::string name;
+        if (!feature || feature->GetName(name) != OrvErrorSuccess || name != "TriggerSoftware")
+            continue;
+        const OrvErrorType result = feature->RunCommand();
+        report(result == OrvErrorSuccess ? tr("Software trigger sent")
+                                         : tr("Software trigger failed (error %1)").arg(int(result)));
+        return;
+    }
+    report(tr("The camera has no software trigger"));
+}
+
 void ViewerWindow::onAcquireToggled(bool on)
 {
     if (on)

@@ -32,6 +32,10 @@ public:
     QPushButton* acquireButton() const;
     int frameCount() const;
 
+public slots:
+    // Runs the camera's "TriggerSoftware" command, as the tab's "SW Trigger" does.
+    void triggerSoftware();
+
 signals:
     // The host's acquisition state, as the tab plug-ins receive it.
     void acquisitionChanged(bool acquiring);
