@@ -5,12 +5,15 @@
 #include "PluginHost.h"
 #include "TabExtensionInterface.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLocale>
 #include <QPushButton>
 #include <QStatusBar>
 #include <QTabWidget>
+#include <QTranslator>
 #include <QVBoxLayout>
 
 ViewerWindow::ViewerWindow(GenICamCamera* camera, QWidget* parent)
@@ -56,6 +59,17 @@ ViewerWindow::ViewerWindow(GenICamCamera* camera, QWidget* parent)
 ViewerWindow::~ViewerWindow()
 {
     m_stream->stop();
+}
+
+bool ViewerWindow::installTranslation(const QLocale& locale)
+{
+    QTranslator* translator = new QTranslator(QCoreApplication::instance());
+    if (!translator->load(locale, "triggerio-viewer", "_", QCoreApplication::applicationDirPath() + "/translations"))
+    {
+        delete translator;
+        return false;
+    }
+    return QCoreApplication::installTranslator(translator);
 }
 
 int ViewerWindow::addTabs(const QString& pluginFolder)

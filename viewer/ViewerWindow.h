@@ -10,6 +10,7 @@ class CameraStream;
 class GenICamCamera;
 class PluginHost;
 class QLabel;
+class QLocale;
 class QPushButton;
 class QTabWidget;
 
@@ -22,6 +23,10 @@ class ViewerWindow : public QMainWindow
 public:
     ViewerWindow(GenICamCamera* camera, QWidget* parent = nullptr);
     ~ViewerWindow() override;
+
+    // Installs the viewer's own translation for the locale's language, from
+    // "translations/" beside the binary; false when there is none.
+    static bool installTranslation(const QLocale& locale);
 
     // Asks every plug-in of the folder for its tab; returns how many were added.
     int addTabs(const QString& pluginFolder);

@@ -17,7 +17,6 @@
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTimer>
-#include <QTranslator>
 
 #include <cstdio>
 #include <cstring>
@@ -45,12 +44,12 @@ QString demoCameraFolder(const QString& appDir)
     return appDir + "/cameras";
 }
 
-// Options that only print text: they need no display, so no GUI application.
+// Options that only print text need no display, so no GUI application.
 bool printsOnly(int argc, char** argv)
 {
     for (int i = 1; i < argc; ++i)
     {
-        for (const char* option : {"-h", "-?", "--help", "--help-all", "-v", "--version"})
+        for (const char* option : {"-h", "-?", "--help", "--help-all", "-v", "--version", "--list"})
         {
             if (std::strcmp(argv[i], option) == 0)
                 return true;
@@ -75,9 +74,7 @@ int main(int argc, char** argv)
     const QString appDir = QCoreApplication::applicationDirPath();
 
     // The viewer's own texts, in the language of the user's locale.
-    QTranslator translator;
-    if (translator.load(QLocale::system(), "triggerio-viewer", "_", appDir + "/translations"))
-        QCoreApplication::installTranslator(&translator);
+    ViewerWindow::installTranslation(QLocale::system());
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QCoreApplication::translate("main", "Hosts the Trigger IO tab for a camera."));
@@ -114,8 +111,8 @@ int main(int argc, char** argv)
     }
     if (!qobject_cast<QApplication*>(app.get()))
     {
-        say(stderr,
-            "triggerio-viewer: " + QCoreApplication::translate("main", "--help and --version take no other options"));
+        say(stderr, "triggerio-viewer: " +
+                        QCoreApplication::translate("main", "--help, --version and --list take no other options"));
         return 2;
     }
 

@@ -106,8 +106,8 @@
         <translation>Millisekunden bis zum Bildschirmfoto (Vorgabe 1500).</translation>
     </message>
     <message>
-        <source>--help and --version take no other options</source>
-        <translation>--help und --version nehmen keine weiteren Optionen</translation>
+        <source>--help, --version and --list take no other options</source>
+        <translation>--help, --version und --list nehmen keine weiteren Optionen</translation>
     </message>
     <message>
         <source>--after takes a number of milliseconds</source>
