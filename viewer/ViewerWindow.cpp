@@ -5,12 +5,15 @@
 #include "PluginHost.h"
 #include "TabExtensionInterface.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLocale>
 #include <QPushButton>
 #include <QStatusBar>
 #include <QTabWidget>
+#include <QTranslator>
 #include <QVBoxLayout>
 
 ViewerWindow::ViewerWindow(GenICamCamera* camera, QWidget* parent)
@@ -56,6 +59,17 @@ ViewerWindow::ViewerWindow(GenICamCamera* camera, QWidget* parent)
 ViewerWindow::~ViewerWindow()
 {
     m_stream->stop();
+}
+
+bool ViewerWindow::installTranslation(const QLocale& locale)
+{
+    QTranslator* translator = new QTranslator(QCoreApplication::instance());
+    if (!translator->load(locale, "triggerio-viewer", "_", QCoreApplication::applicationDirPath() + "/translations"))
+    {
+        delete translator;
+        return false;
+    }
+    return QCoreApplication::installTranslator(translator);
 }
 
 int ViewerWindow::addTabs(const QString& pluginFolder)
@@ -105,6 +119,21 @@ QPushButton* ViewerWindow::acquireButton() const
 int ViewerWindow::frameCount() const
 {
     return m_stream->frameCount();
+}
+
+void ViewerWindow::triggerSoftware()
+{
+    for (const OrvCPP::shared_ptr<OrvCPP::Feature>& feature : *m_features)
+    {
+        std::string name;
+        if (!feature || feature->GetName(name) != OrvErrorSuccess || name != "TriggerSoftware")
+            continue;
+        const OrvErrorType result = feature->RunCommand();
+        report(result == OrvErrorSuccess ? tr("Software trigger sent")
+                                         : tr("Software trigger failed (error %1)").arg(int(result)));
+        return;
+    }
+    report(tr("The camera has no software trigger"));
 }
 
 void ViewerWindow::onAcquireToggled(bool on)

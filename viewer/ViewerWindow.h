@@ -10,6 +10,7 @@ class CameraStream;
 class GenICamCamera;
 class PluginHost;
 class QLabel;
+class QLocale;
 class QPushButton;
 class QTabWidget;
 
@@ -23,6 +24,10 @@ public:
     ViewerWindow(GenICamCamera* camera, QWidget* parent = nullptr);
     ~ViewerWindow() override;
 
+    // Installs the viewer's own translation for the locale's language, from
+    // "translations/" beside the binary; false when there is none.
+    static bool installTranslation(const QLocale& locale);
+
     // Asks every plug-in of the folder for its tab; returns how many were added.
     int addTabs(const QString& pluginFolder);
     // Why plug-ins were skipped, one line each.
@@ -31,6 +36,10 @@ public:
     QTabWidget* tabs() const;
     QPushButton* acquireButton() const;
     int frameCount() const;
+
+public slots:
+    // Runs the camera's "TriggerSoftware" command, as the tab's "SW Trigger" does.
+    void triggerSoftware();
 
 signals:
     // The host's acquisition state, as the tab plug-ins receive it.

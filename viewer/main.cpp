@@ -1,6 +1,7 @@
 // triggerio-viewer: hosts the tab plug-ins for one camera.
 //
-//   triggerio-viewer [--camera ID] [--list] [--screenshot FILE [--after MS]]
+//   triggerio-viewer [--camera ID] [--list] [--acquire] [--trigger-software]
+//                    [--screenshot FILE [--after MS]]
 //
 // ID is an Aravis device id or "fake:FILE.xml" (a GenICam model on the
 // in-process fake device); without one the line-family demo model is opened.
@@ -12,10 +13,14 @@
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
+#include <QLocale>
+#include <QPushButton>
 #include <QTabWidget>
 #include <QTimer>
 
 #include <cstdio>
+#include <cstring>
+#include <memory>
 
 namespace
 {
@@ -39,24 +44,61 @@ QString demoCameraFolder(const QString& appDir)
     return appDir + "/cameras";
 }
 
+// Options that only print text need no display, so no GUI application.
+bool printsOnly(int argc, char** argv)
+{
+    for (int i = 1; i < argc; ++i)
+    {
+        for (const char* option : {"-h", "-?", "--help", "--help-all", "-v", "--version", "--list"})
+        {
+            if (std::strcmp(argv[i], option) == 0)
+                return true;
+        }
+    }
+    return false;
+}
+
+// How long a screenshot waits, past --after, for the first frame of a running acquisition.
+const int FrameWaitMs = 10000;
+// The software trigger follows the start of the acquisition after this pause.
+const int TriggerDelayMs = 500;
+
 } // namespace
 
 int main(int argc, char** argv)
 {
-    QApplication app(argc, argv);
-    QApplication::setApplicationName("triggerio-viewer");
+    std::unique_ptr<QCoreApplication> app(printsOnly(argc, argv) ? new QCoreApplication(argc, argv)
+                                                                 : new QApplication(argc, argv));
+    QCoreApplication::setApplicationName("triggerio-viewer");
+    QCoreApplication::setApplicationVersion(TRIGGERIO_VERSION);
+    const QString appDir = QCoreApplication::applicationDirPath();
+
+    // The viewer's own texts, in the language of the user's locale.
+    ViewerWindow::installTranslation(QLocale::system());
 
     QCommandLineParser parser;
-    parser.setApplicationDescription("Hosts the Trigger IO tab for a camera.");
+    parser.setApplicationDescription(QCoreApplication::translate("main", "Hosts the Trigger IO tab for a camera."));
     parser.addHelpOption();
-    QCommandLineOption cameraOption("camera", "Aravis device id, or fake:FILE.xml for a GenICam model.", "ID");
-    QCommandLineOption listOption("list", "List the cameras that can be opened.");
-    QCommandLineOption screenshotOption("screenshot", "Render the window to a PNG file and exit.", "FILE");
-    QCommandLineOption afterOption("after", "Milliseconds before the screenshot (default 1500).", "MS", "1500");
-    parser.addOptions({cameraOption, listOption, screenshotOption, afterOption});
-    parser.process(app);
+    parser.addVersionOption();
+    QCommandLineOption cameraOption(
+        "camera", QCoreApplication::translate("main", "Aravis device id, or fake:FILE.xml for a GenICam model."), "ID");
+    QCommandLineOption listOption("list", QCoreApplication::translate("main", "List the cameras that can be opened."));
+    QCommandLineOption acquireOption(
+        "acquire", QCoreApplication::translate("main", "Start the acquisition when the window opens."));
+    QCommandLineOption triggerOption(
+        "trigger-software",
+        QCoreApplication::translate("main", "Run the camera's software trigger once the acquisition has started."));
+    QCommandLineOption screenshotOption(
+        "screenshot",
+        QCoreApplication::translate(
+            "main", "Render the window to a PNG file and exit (while acquiring: once a frame is shown)."),
+        "FILE");
+    QCommandLineOption afterOption(
+        "after", QCoreApplication::translate("main", "Milliseconds before the screenshot (default 1500)."), "MS",
+        "1500");
+    parser.addOptions({cameraOption, listOption, acquireOption, triggerOption, screenshotOption, afterOption});
+    parser.process(*app);
 
-    const QString appDir = QApplication::applicationDirPath();
     const QString cameras = demoCameraFolder(appDir);
 
     if (parser.isSet(listOption))
@@ -66,6 +108,12 @@ int main(int argc, char** argv)
         for (const QString& model : QDir(cameras).entryList({"*.xml"}, QDir::Files, QDir::Name))
             say(stdout, "fake:" + QDir(cameras).absoluteFilePath(model));
         return 0;
+    }
+    if (!qobject_cast<QApplication*>(app.get()))
+    {
+        say(stderr, "triggerio-viewer: " +
+                        QCoreApplication::translate("main", "--help, --version and --list take no other options"));
+        return 2;
     }
 
     // Relative paths are the user's; resolve them before moving to the binary's folder.
@@ -80,14 +128,16 @@ int main(int argc, char** argv)
     const int after = parser.value(afterOption).toInt(&afterOk);
     if (!afterOk || after < 0)
     {
-        say(stderr, "triggerio-viewer: --after takes a number of milliseconds");
+        say(stderr,
+            "triggerio-viewer: " + QCoreApplication::translate("main", "--after takes a number of milliseconds"));
         return 2;
     }
 
     GenICamCamera camera;
     if (camera.open(id) != OrvErrorSuccess)
     {
-        say(stderr, QString("triggerio-viewer: cannot open camera %1: %2").arg(id, camera.errorString()));
+        say(stderr, "triggerio-viewer: " +
+                        QCoreApplication::translate("main", "cannot open camera %1: %2").arg(id, camera.errorString()));
         return 2;
     }
 
@@ -97,7 +147,9 @@ int main(int argc, char** argv)
     ViewerWindow window(&camera);
     if (window.addTabs(appDir + "/plugins") == 0)
     {
-        say(stderr, "triggerio-viewer: no tab for this camera: " + window.problems().join("; "));
+        say(stderr,
+            "triggerio-viewer: " +
+                QCoreApplication::translate("main", "no tab for this camera: %1").arg(window.problems().join("; ")));
         return 3;
     }
     for (const QString& problem : window.problems())
@@ -105,18 +157,36 @@ int main(int argc, char** argv)
     window.resize(1100, 900);
     window.show();
 
+    if (parser.isSet(acquireOption))
+        QTimer::singleShot(0, window.acquireButton(), &QPushButton::click);
+    if (parser.isSet(triggerOption))
+        QTimer::singleShot(parser.isSet(acquireOption) ? TriggerDelayMs : 0, &window, &ViewerWindow::triggerSoftware);
+
+    QTimer shot;
     if (!screenshot.isEmpty())
     {
-        QTimer::singleShot(after, &window,
-                           [&window, &screenshot]()
-                           {
-                               const bool saved = window.grab().save(screenshot, "PNG");
-                               if (saved)
-                                   say(stdout, "Screenshot written to " + screenshot);
-                               else
-                                   say(stderr, "triggerio-viewer: cannot write " + screenshot);
-                               QApplication::exit(saved ? 0 : 4);
-                           });
+        // Taken after --after, or later while an acquisition waits for its first frame.
+        shot.setInterval(100);
+        QTimer::singleShot(after, &shot, QOverload<>::of(&QTimer::start));
+        int waited = 0;
+        QObject::connect(
+            &shot, &QTimer::timeout, &window,
+            [&]()
+            {
+                waited += shot.interval();
+                if (window.acquireButton()->isChecked() && window.frameCount() == 0 && waited < FrameWaitMs)
+                    return;
+                shot.stop();
+                if (window.acquireButton()->isChecked() && window.frameCount() == 0)
+                    say(stderr, "triggerio-viewer: " + QCoreApplication::translate("main", "no frame arrived"));
+                const bool saved = window.grab().save(screenshot, "PNG");
+                if (saved)
+                    say(stdout, QCoreApplication::translate("main", "Screenshot written to %1").arg(screenshot));
+                else
+                    say(stderr,
+                        "triggerio-viewer: " + QCoreApplication::translate("main", "cannot write %1").arg(screenshot));
+                QCoreApplication::exit(saved ? 0 : 4);
+            });
     }
-    return app.exec();
+    return QCoreApplication::exec();
 }

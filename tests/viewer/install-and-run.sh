@@ -10,6 +10,7 @@ QT_QPA_PLATFORM=offscreen "$prefix/bin/triggerio-viewer" --screenshot "$prefix/s
 test -s "$prefix/shot.png"
 test -f "$prefix/bin/plugins/libtabextensiontriggerio.so"
 test -f "$prefix/bin/plugins/tabextensiontriggerio_de.qm"
+test -f "$prefix/bin/translations/triggerio-viewer_de.qm"
 test -f "$prefix/include/TabExtensionInterface.h"
 test -f "$prefix/include/OrvCPP/OrvCPP.h"
 echo "installed viewer ran from $prefix"

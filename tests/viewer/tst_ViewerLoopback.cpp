@@ -2,9 +2,11 @@
 #include "FakeGigEServer.h"
 #include "ViewerWindow.h"
 
+#include <QCheckBox>
 #include <QComboBox>
-#include <QLabel>
+#include <QGridLayout>
 #include <QGroupBox>
+#include <QLabel>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QtTest>
@@ -35,8 +37,10 @@ void choose(QWidget* tab, const QString& entry, const QStringList& neighbours)
 } // namespace
 
 // The viewer as a user runs it: the tab on a camera served over loopback GigE
-// Vision, acquisition on, the "FrameStart" trigger on "Software", and one frame
-// per press of "SW Trigger".
+// Vision, acquisition on, the "FrameStart" trigger on "Software", one frame per
+// press of "SW Trigger", and frames streaming with the trigger "Off"; an output
+// driven by a user output shows that user output's value as its status. Then
+// the run command without a display, and the viewer's texts in German.
 class tst_ViewerLoopback : public QObject
 {
     Q_OBJECT
@@ -45,6 +49,8 @@ private slots:
     void initTestCase();
     void softwareTriggerGivesOneFramePerPress_data();
     void softwareTriggerGivesOneFramePerPress();
+    void runCommandShowsATriggeredFrame();
+    void viewerTextsInGerman(); // last: its translation stays installed
 };
 
 void tst_ViewerLoopback::initTestCase()
@@ -56,14 +62,16 @@ void tst_ViewerLoopback::initTestCase()
 void tst_ViewerLoopback::softwareTriggerGivesOneFramePerPress_data()
 {
     QTest::addColumn<QString>("model");
-    QTest::newRow("line family") << "line-camera.xml";
-    QTest::newRow("sync-out family") << "syncout-camera.xml";
-    QTest::newRow("line-routing family") << "routing-camera.xml";
+    QTest::addColumn<bool>("userOutputs");
+    QTest::newRow("line family") << "line-camera.xml" << true;
+    QTest::newRow("sync-out family") << "syncout-camera.xml" << false;
+    QTest::newRow("line-routing family") << "routing-camera.xml" << true;
 }
 
 void tst_ViewerLoopback::softwareTriggerGivesOneFramePerPress()
 {
     QFETCH(QString, model);
+    QFETCH(bool, userOutputs);
     FakeGigEServer server;
     GenICamCamera camera;
     QString error;
@@ -122,6 +130,73 @@ void tst_ViewerLoopback::softwareTriggerGivesOneFramePerPress()
 
     QTest::mouseClick(window.acquireButton(), Qt::LeftButton);
     QVERIFY(!window.acquireButton()->isChecked());
+    choose(tab, "Off", {"On"});
+    QTest::mouseClick(window.acquireButton(), Qt::LeftButton);
+    QTRY_VERIFY_WITH_TIMEOUT(window.frameCount() >= 3, 5000);
+
+    // The first row driven by a user output: its status follows the user value, both ways.
+    QGridLayout* grid = tab->findChild<QGridLayout*>("grid_Output");
+    QCheckBox* value = nullptr;
+    QCheckBox* status = nullptr;
+    for (int row = 1; grid && row < grid->rowCount() && !value; ++row)
+    {
+        QLayoutItem* source = grid->itemAtPosition(row, 1);
+        QComboBox* combo = source ? qobject_cast<QComboBox*>(source->widget()) : nullptr;
+        if (combo && combo->currentText().contains("UserOutput"))
+        {
+            value = qobject_cast<QCheckBox*>(grid->itemAtPosition(row, 5)->widget());
+            status = qobject_cast<QCheckBox*>(grid->itemAtPosition(row, 3)->widget());
+        }
+    }
+    QCOMPARE(value && status, userOutputs);
+    for (int flip = 0; value && status && flip < 2; ++flip)
+    {
+        const bool before = status->isChecked();
+        value->click();
+        QTRY_COMPARE(status->isChecked(), !before);
+    }
+}
+
+void tst_ViewerLoopback::runCommandShowsATriggeredFrame()
+{
+    QTemporaryDir dir;
+    const QString shot = dir.filePath("shot.png");
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove("DISPLAY");
+    environment.remove("WAYLAND_DISPLAY");
+    environment.remove("QT_QPA_PLATFORM");
+    environment.insert("LANG", "de_DE.UTF-8");
+    environment.insert("VIEWER", TRIGGERIO_VIEWER);
+    environment.insert("SCREENSHOT", shot);
+    QProcess run;
+    run.setProcessEnvironment(environment);
+    run.start(TRIGGERIO_VIEWER, {"--help"}); // needs no display either
+    QVERIFY(run.waitForFinished(10000));
+    QCOMPARE(run.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(run.exitCode(), 0);
+    run.start(TRIGGERIO_RUN_VIEWER, QStringList());
+    QVERIFY(run.waitForFinished(60000));
+    QCOMPARE(run.exitCode(), 0);
+    QVERIFY(QString::fromUtf8(run.readAllStandardOutput()).contains("Bildschirmfoto geschrieben nach " + shot));
+
+    // The live image, in the middle of the window's left third, shows the
+    // camera's grey ramp, not the panel's plain background around "No image".
+    const QImage image(shot);
+    QVERIFY(!image.isNull());
+    const QRgb background = image.pixel(image.width() / 6, 40);
+    int plain = 0;
+    for (int y = image.height() / 2 - 60; y < image.height() / 2 + 60; ++y)
+        for (int x = image.width() / 6 - 60; x < image.width() / 6 + 60; ++x)
+            plain += image.pixel(x, y) == background;
+    QVERIFY2(plain < 120 * 120 / 10, qPrintable(QString::number(plain)));
+}
+
+void tst_ViewerLoopback::viewerTextsInGerman()
+{
+    QVERIFY(ViewerWindow::installTranslation(QLocale("de_DE")));
+    GenICamCamera closed;
+    ViewerWindow window(&closed);
+    QCOMPARE(window.acquireButton()->text(), QString("Aufnehmen"));
 }
 
 QTEST_MAIN(tst_ViewerLoopback)

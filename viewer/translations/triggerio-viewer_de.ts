@@ -1,0 +1,137 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de_DE">
+<context>
+    <name>PluginHost</name>
+    <message>
+        <source>Plug-in folder %1 does not exist</source>
+        <translation>Plug-in-Ordner %1 existiert nicht</translation>
+    </message>
+    <message>
+        <source>%1 is not a tab plug-in</source>
+        <translation>%1 ist kein Tab-Plug-in</translation>
+    </message>
+    <message>
+        <source>%1 has interface %2, not TabExtensionInterface</source>
+        <translation>%1 hat die Schnittstelle %2, nicht TabExtensionInterface</translation>
+    </message>
+    <message>
+        <source>%1 could not be loaded: %2</source>
+        <translation>%1 konnte nicht geladen werden: %2</translation>
+    </message>
+    <message>
+        <source>No tab plug-in in %1</source>
+        <translation>Kein Tab-Plug-in in %1</translation>
+    </message>
+</context>
+<context>
+    <name>ViewerWindow</name>
+    <message>
+        <source>Acquire</source>
+        <translation>Aufnehmen</translation>
+    </message>
+    <message>
+        <source>Trigger IO viewer - %1</source>
+        <translation>Trigger-IO-Viewer - %1</translation>
+    </message>
+    <message>
+        <source>No image</source>
+        <translation>Kein Bild</translation>
+    </message>
+    <message>
+        <source>Frames: %1</source>
+        <translation>Bilder: %1</translation>
+    </message>
+    <message>
+        <source>Camera %1 open</source>
+        <translation>Kamera %1 geöffnet</translation>
+    </message>
+    <message>
+        <source>%1 offers no tab for this camera (result %2)</source>
+        <translation>%1 bietet keinen Tab für diese Kamera (Ergebnis %2)</translation>
+    </message>
+    <message>
+        <source>Software trigger sent</source>
+        <translation>Software-Trigger gesendet</translation>
+    </message>
+    <message>
+        <source>Software trigger failed (error %1)</source>
+        <translation>Software-Trigger fehlgeschlagen (Fehler %1)</translation>
+    </message>
+    <message>
+        <source>The camera has no software trigger</source>
+        <translation>Die Kamera hat keinen Software-Trigger</translation>
+    </message>
+    <message>
+        <source>Acquisition not started: %1</source>
+        <translation>Aufnahme nicht gestartet: %1</translation>
+    </message>
+    <message>
+        <source>Acquiring</source>
+        <translation>Aufnahme läuft</translation>
+    </message>
+    <message>
+        <source>Stopped after %1 frames</source>
+        <translation>Angehalten nach %1 Bildern</translation>
+    </message>
+</context>
+<context>
+    <name>main</name>
+    <message>
+        <source>Hosts the Trigger IO tab for a camera.</source>
+        <translation>Zeigt den Trigger-IO-Tab für eine Kamera.</translation>
+    </message>
+    <message>
+        <source>Aravis device id, or fake:FILE.xml for a GenICam model.</source>
+        <translation>Aravis-Gerätekennung, oder fake:DATEI.xml für ein GenICam-Modell.</translation>
+    </message>
+    <message>
+        <source>List the cameras that can be opened.</source>
+        <translation>Listet die Kameras, die sich öffnen lassen.</translation>
+    </message>
+    <message>
+        <source>Start the acquisition when the window opens.</source>
+        <translation>Startet die Aufnahme, sobald das Fenster offen ist.</translation>
+    </message>
+    <message>
+        <source>Run the camera&apos;s software trigger once the acquisition has started.</source>
+        <translation>Löst den Software-Trigger der Kamera aus, sobald die Aufnahme läuft.</translation>
+    </message>
+    <message>
+        <source>Render the window to a PNG file and exit (while acquiring: once a frame is shown).</source>
+        <translation>Speichert das Fenster als PNG-Datei und beendet sich (während einer Aufnahme: sobald ein Bild zu sehen ist).</translation>
+    </message>
+    <message>
+        <source>Milliseconds before the screenshot (default 1500).</source>
+        <translation>Millisekunden bis zum Bildschirmfoto (Vorgabe 1500).</translation>
+    </message>
+    <message>
+        <source>--help, --version and --list take no other options</source>
+        <translation>--help, --version und --list nehmen keine weiteren Optionen</translation>
+    </message>
+    <message>
+        <source>--after takes a number of milliseconds</source>
+        <translation>--after erwartet eine Zahl von Millisekunden</translation>
+    </message>
+    <message>
+        <source>cannot open camera %1: %2</source>
+        <translation>Kamera %1 lässt sich nicht öffnen: %2</translation>
+    </message>
+    <message>
+        <source>no tab for this camera: %1</source>
+        <translation>kein Tab für diese Kamera: %1</translation>
+    </message>
+    <message>
+        <source>no frame arrived</source>
+        <translation>kein Bild angekommen</translation>
+    </message>
+    <message>
+        <source>Screenshot written to %1</source>
+        <translation>Bildschirmfoto geschrieben nach %1</translation>
+    </message>
+    <message>
+        <source>cannot write %1</source>
+        <translation>%1 lässt sich nicht schreiben</translation>
+    </message>
+</context>
+</TS>
