@@ -4,6 +4,7 @@
 #include <QtTest>
 
 #include <atomic>
+#include <thread>
 
 using TestCam::Op;
 using TestCam::TestCamera;
@@ -190,7 +191,7 @@ void tst_PluginFeatureObserver::queuedFromCameraThread()
     cam.addInt("Width", 640, 0, 4096, 1);
     cam.addEnum("TriggerMode", {"Off", "On"}, "Off");
     cam.addCommand("TriggerSoftware");
-    OrvCPP::shared_ptr<PluginFeatureObserver> observer = std::make_shared<PluginFeatureObserver>();
+    OrvCPP::shared_ptr<PluginFeatureObserver> observer = PluginFeatureObserver::create();
     for (const char* name : {"Width", "TriggerMode", "TriggerSoftware"})
         QCOMPARE(cam.feature(name)->RegisterObserver(observer), OrvErrorType(OrvErrorSuccess));
 
@@ -221,6 +222,15 @@ void tst_PluginFeatureObserver::queuedFromCameraThread()
     QCOMPARE(cam.feature("TriggerMode")->SetValue("On"), OrvErrorType(OrvErrorSuccess));
     QTRY_COMPARE(receiver.received.size(), 4);
     QCOMPARE(receiver.received.last(), (QStringList{"TriggerMode", "On"}));
+
+    // The last reference let go on another thread: the object dies on its own one.
+    std::atomic<QThread*> dyingThread{nullptr};
+    QObject::connect(observer.get(), &QObject::destroyed, [&dyingThread] { dyingThread = QThread::currentThread(); });
+    for (const char* name : {"Width", "TriggerMode", "TriggerSoftware"})
+        cam.feature(name)->UnregisterObserver(observer);
+    std::thread([last = std::move(observer)]() mutable { last.reset(); }).join();
+    QVERIFY(!dyingThread.load());
+    QTRY_COMPARE(dyingThread.load(), QThread::currentThread());
 }
 
 QTEST_GUILESS_MAIN(tst_PluginFeatureObserver)
