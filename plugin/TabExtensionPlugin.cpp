@@ -14,7 +14,12 @@ TabExtensionResult TabExtensionPlugin::get(const FeatureList& features, QWidget&
         connect(this, SIGNAL(camStreaming(bool)), tab, SLOT(camIsStreaming(bool)));
         QVBoxLayout* layout = new QVBoxLayout;
         layout->addWidget(tab, 0);
-        parent.setLayout(layout);
+        // A parent that already has a layout would refuse a second one and
+        // leave it without an owner: the box goes into that layout instead.
+        if (QLayout* existing = parent.layout())
+            existing->addItem(layout);
+        else
+            parent.setLayout(layout);
     }
     catch (const TabExtensionException& e)
     {

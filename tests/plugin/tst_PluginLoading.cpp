@@ -4,6 +4,7 @@
 #include <QCheckBox>
 #include <QLabel>
 #include <QLayout>
+#include <QVBoxLayout>
 #include <QPluginLoader>
 #include <QtTest>
 
@@ -126,6 +127,13 @@ void tst_PluginLoading::getBuildsTabIntoParent()
     QCOMPARE(tab->metaObject()->className(), "IOTriggerWidget");
     QCOMPARE(tab->accessibleName(), QString("Trigger IO"));
     QCOMPARE(parent.accessibleName(), QString("Trigger IO"));
+
+    // A parent with a layout of its own keeps it and gets the tab inside it.
+    QWidget laidOut;
+    QLayout* own = new QVBoxLayout(&laidOut);
+    QCOMPARE(plugin()->get(cam.features(), laidOut, nullptr), 0);
+    QCOMPARE(laidOut.layout(), own);
+    QCOMPARE(own->itemAt(0)->layout()->itemAt(0)->widget()->metaObject()->className(), "IOTriggerWidget");
 }
 
 void tst_PluginLoading::getReportsUnsupportedCamera()
