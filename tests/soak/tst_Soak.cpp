@@ -20,6 +20,9 @@
 
 #include <cstdio>
 #include <random>
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#include <sanitizer/common_interface_defs.h>
+#endif
 
 using TestCam::Op;
 using TestCam::TestCamera;
@@ -76,19 +79,21 @@ const QStringList Selectors{"LineSelector", "SyncOutSelector", "LineOutSelector"
 // and the status boxes set with live signals after an output rebuild.
 const QStringList RefreshWrites = Selectors + QStringList{"LineMode", "LineStatus"};
 // Camera-side changes: features and the values the camera may report.
-const QStringList CameraSide{"TriggerSource", "TriggerActivation", "TriggerMode",  "AcquisitionMode",
-                             "AcquisitionFrameCount", "LineMode",  "LineRouting",  "LineSource",
-                             "LineInverter", "LineStatus", "SyncOutSource", "SyncOutPolarity",
-                             "SyncOutLevels", "LineOutSource", "LineOutLevels", "UserOutputValue",
-                             "ExposureMode", "ExposureAuto", "LineSelector"};
-const QStringList Values{"On", "Off", "Input", "Output", "Line0", "Line1", "Software", "InputLines", "FallingEdge",
-                         "Continuous", "MultiFrame", "Timed", "TriggerWidth", "Direct", "GPO", "UserOutput1",
-                         "Invert", "other", "Trigger", "bogus", "0", "1", "5"};
+const QStringList CameraSide{"TriggerSource",         "TriggerActivation", "TriggerMode",   "AcquisitionMode",
+                             "AcquisitionFrameCount", "LineMode",          "LineRouting",   "LineSource",
+                             "LineInverter",          "LineStatus",        "SyncOutSource", "SyncOutPolarity",
+                             "SyncOutLevels",         "LineOutSource",     "LineOutLevels", "UserOutputValue",
+                             "ExposureMode",          "ExposureAuto",      "LineSelector"};
+const QStringList Values{"On",           "Off",        "Input",       "Output",      "Line0",      "Line1",
+                         "Software",     "InputLines", "FallingEdge", "Continuous",  "MultiFrame", "Timed",
+                         "TriggerWidth", "Direct",     "GPO",         "UserOutput1", "Invert",     "other",
+                         "Trigger",      "bogus",      "0",           "1",           "5"};
 // Faults on any operation but the two a camera needs to let an observer go.
-const QList<Op> FaultOps{Op::GetDisplayName, Op::GetCategory, Op::GetDataType, Op::IsWritable, Op::IsValueAvailable,
-                         Op::GetValues, Op::GetString, Op::GetDouble, Op::GetInt, Op::GetBool, Op::GetRangeDouble,
-                         Op::GetRangeInt, Op::GetIncrementDouble, Op::GetIncrementInt, Op::SetDouble, Op::SetInt,
-                         Op::SetBool, Op::SetString, Op::RunCommand, Op::RegisterObserver};
+const QList<Op> FaultOps{
+    Op::GetDisplayName, Op::GetCategory, Op::GetDataType,        Op::IsWritable,      Op::IsValueAvailable,
+    Op::GetValues,      Op::GetString,   Op::GetDouble,          Op::GetInt,          Op::GetBool,
+    Op::GetRangeDouble, Op::GetRangeInt, Op::GetIncrementDouble, Op::GetIncrementInt, Op::SetDouble,
+    Op::SetInt,         Op::SetBool,     Op::SetString,          Op::RunCommand,      Op::RegisterObserver};
 const QList<OrvErrorType> FaultCodes{OrvErrorInvalidAccess, OrvErrorInvalidValue, OrvErrorDeviceLost,
                                      OrvErrorInvalidCall, OrvErrorTimeout};
 
@@ -106,7 +111,7 @@ enum Kind
     Delete,
     PresetDelete
 };
-const char* const KindNames[] = {"build",   "edit",  "line edit", "preset", "camera change",    "show/hide",
+const char* const KindNames[] = {"build",     "edit",    "line edit", "preset", "camera change",   "show/hide",
                                  "streaming", "refresh", "fault",     "delete", "delete in preset"};
 
 int observers(const TestCamera& cam)
@@ -120,6 +125,13 @@ int observers(const TestCamera& cam)
         count += cam.observerCount(QString::fromStdString(name));
     }
     return count;
+}
+
+// Where the soak is, for the last words of a sanitizer that stops the run.
+char whereNow[160];
+void tellWhere()
+{
+    std::fprintf(stderr, "soak: stopped %s\n", whereNow);
 }
 
 void deleteAfterPasses(QPointer<QWidget> host, int passes)
@@ -180,19 +192,22 @@ QString tst_Soak::checkStep(TestCamera& cam, Kind kind, const QMap<QString, QStr
     {
         const QString name = entry.section(QRegularExpression("[=(]"), 0, 0);
         if (!mayWrite && !(refreshes && RefreshWrites.contains(name)))
-            return QString("invariant 'only steps that may write do' broken") + where + ": " + entry;
+            return QString(refreshes ? "invariant 'a refresh writes only on purpose'"
+                                     : "invariant 'only steps that may write do'") +
+                   " broken" + where + ": " + entry;
     }
 
     for (const QString& selector : Selectors)
     {
         ++m_checks;
-        const bool onPurpose = selector == "LineSelector" && (kind == Build || kind == LineEdit ||
-                                                              kind == Preset || kind == PresetDelete);
+        const bool onPurpose =
+            selector == "LineSelector" && (kind == Build || kind == LineEdit || kind == Preset || kind == PresetDelete);
         // A refused write of the selector (a failed restore) is the camera's doing.
         const bool refused = !journal.filter(QRegularExpression("^" + selector + "=.* refused")).isEmpty();
         if (!onPurpose && !refused && cam.value(selector) != before.value(selector))
             return QString("invariant 'selectors stay' broken") + where + ": " + selector + " moved from " +
-                   before.value(selector) + " to " + cam.value(selector) + "; writes " + journal.join(", ");
+                   before.value(selector) + " to " + cam.value(selector) + "; last writes " +
+                   journal.mid(journal.size() - 8).join(", ");
     }
 
     if (tabGone)
@@ -207,16 +222,18 @@ QString tst_Soak::checkStep(TestCamera& cam, Kind kind, const QMap<QString, QStr
 void tst_Soak::soak()
 {
     QFETCH(int, variant);
-    m_seed = qEnvironmentVariableIsSet("SOAK_SEED") ? qEnvironmentVariable("SOAK_SEED").toUInt()
-                                                    : 20261123u;
-    const int steps = qEnvironmentVariableIsSet("SOAK_STEPS") ? qEnvironmentVariableIntValue("SOAK_STEPS") : 2500;
+    m_seed = qEnvironmentVariableIsSet("SOAK_SEED") ? qEnvironmentVariable("SOAK_SEED").toUInt() : 20261123u;
+    const int steps = qEnvironmentVariableIsSet("SOAK_STEPS") ? qEnvironmentVariableIntValue("SOAK_STEPS") : 2000;
     const int ownSteps = steps / 5 + (variant < steps % 5 ? 1 : 0);
     m_random.seed(m_seed + static_cast<quint32>(variant));
     m_faults = m_checks = 0;
-    std::fprintf(stdout, "soak %s: seed %u, %d steps (replay: SOAK_SEED=%u SOAK_STEPS=%d)\n",
-                 QTest::currentDataTag(), m_seed, ownSteps, m_seed, steps);
+    std::fprintf(stdout, "soak %s: seed %u, %d steps (replay: SOAK_SEED=%u SOAK_STEPS=%d)\n", QTest::currentDataTag(),
+                 m_seed, ownSteps, m_seed, steps);
     std::fflush(stdout);
 
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    __sanitizer_set_death_callback(tellWhere);
+#endif
     TestCamera cam;
     buildCamera(cam, variant);
     QStringList names;
@@ -241,6 +258,8 @@ void tst_Soak::soak()
         if (kind == Edit && pick(4) == 0)
             kind = pick(3) == 0 ? PresetDelete : Preset;
         bool tabGone = false;
+        std::snprintf(whereNow, sizeof whereNow, "at step %d (%s) of %s, seed %u", m_step, KindNames[kind],
+                      QTest::currentDataTag(), m_seed);
 
         switch (kind)
         {
@@ -350,7 +369,7 @@ void tst_Soak::soak()
 void tst_Soak::thousandTabs()
 {
     TestCamera cam;
-    buildCamera(cam, 0);
+    buildCamera(cam, 1);
     for (int i = 0; i < 1000; ++i)
     {
         QWidget host;
