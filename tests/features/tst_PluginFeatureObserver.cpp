@@ -231,6 +231,18 @@ void tst_PluginFeatureObserver::queuedFromCameraThread()
     std::thread([last = std::move(observer)]() mutable { last.reset(); }).join();
     QVERIFY(!dyingThread.load());
     QTRY_COMPARE(dyingThread.load(), QThread::currentThread());
+
+    // An owner thread that has ended runs no deletion any more: the last reference deletes at once.
+    OrvCPP::shared_ptr<PluginFeatureObserver> orphan = PluginFeatureObserver::create();
+    QThread owner;
+    orphan->moveToThread(&owner);
+    owner.start();
+    owner.quit();
+    owner.wait();
+    bool gone = false;
+    QObject::connect(orphan.get(), &QObject::destroyed, [&gone] { gone = true; });
+    orphan.reset();
+    QVERIFY(gone);
 }
 
 QTEST_GUILESS_MAIN(tst_PluginFeatureObserver)
