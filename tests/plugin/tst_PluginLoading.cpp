@@ -4,7 +4,8 @@
 #include <QCheckBox>
 #include <QLabel>
 #include <QLayout>
-#include <QVBoxLayout>
+#include <QGridLayout>
+#include <QStackedLayout>
 #include <QPluginLoader>
 #include <QtTest>
 
@@ -129,11 +130,14 @@ void tst_PluginLoading::getBuildsTabIntoParent()
     QCOMPARE(parent.accessibleName(), QString("Trigger IO"));
 
     // A parent with a layout of its own keeps it and gets the tab inside it.
-    QWidget laidOut;
-    QLayout* own = new QVBoxLayout(&laidOut);
-    QCOMPARE(plugin()->get(cam.features(), laidOut, nullptr), 0);
-    QCOMPARE(laidOut.layout(), own);
-    QCOMPARE(own->itemAt(0)->layout()->itemAt(0)->widget()->metaObject()->className(), "IOTriggerWidget");
+    for (QLayout* own : {static_cast<QLayout*>(new QGridLayout), static_cast<QLayout*>(new QStackedLayout)})
+    {
+        QWidget laidOut;
+        laidOut.setLayout(own);
+        QCOMPARE(plugin()->get(cam.features(), laidOut, nullptr), 0);
+        QCOMPARE(laidOut.layout(), own);
+        QCOMPARE(own->itemAt(0)->widget()->metaObject()->className(), "IOTriggerWidget");
+    }
 }
 
 void tst_PluginLoading::getReportsUnsupportedCamera()
