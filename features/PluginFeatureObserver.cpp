@@ -1,8 +1,41 @@
 #include "PluginFeatureObserver.h"
 
+#include <QAbstractEventDispatcher>
+#include <QCoreApplication>
+#include <QThread>
+
+namespace
+{
+
+// Deleter of the shared observer. On another thread the deletion is handed to
+// the owning thread's event loop. When that loop is gone for good (the thread
+// has finished, or the application object is destroyed) no deletion would ever
+// run there, and nothing on that thread can reach the object any more: it is
+// deleted at once.
+void destroyOnOwnerThread(PluginFeatureObserver* observer)
+{
+    QThread* owner = observer->thread();
+    if (owner == QThread::currentThread())
+    {
+        delete observer;
+        return;
+    }
+    if (owner && !owner->isFinished() && QAbstractEventDispatcher::instance(owner) && QCoreApplication::instance())
+        observer->deleteLater();
+    else
+        delete observer;
+}
+
+} // namespace
+
 PluginFeatureObserver::PluginFeatureObserver() = default;
 
 PluginFeatureObserver::~PluginFeatureObserver() = default;
+
+OrvCPP::shared_ptr<PluginFeatureObserver> PluginFeatureObserver::create()
+{
+    return OrvCPP::shared_ptr<PluginFeatureObserver>(new PluginFeatureObserver(), destroyOnOwnerThread);
+}
 
 void PluginFeatureObserver::FeatureChanged(const OrvCPP::shared_ptr<OrvCPP::Feature>& feature)
 {

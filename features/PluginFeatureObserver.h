@@ -20,6 +20,11 @@ public:
     PluginFeatureObserver();
     ~PluginFeatureObserver() override;
 
+    // A new observer for sharing with the camera API. Its last reference may
+    // fall on one of the API's threads; the object is destroyed on the thread
+    // it lives in all the same.
+    static OrvCPP::shared_ptr<PluginFeatureObserver> create();
+
     void FeatureChanged(const OrvCPP::shared_ptr<OrvCPP::Feature>& feature) override;
 
 signals:

@@ -12,9 +12,18 @@ TabExtensionResult TabExtensionPlugin::get(const FeatureList& features, QWidget&
     {
         IOTriggerWidget* tab = new IOTriggerWidget(features, &parent);
         connect(this, SIGNAL(camStreaming(bool)), tab, SLOT(camIsStreaming(bool)));
-        QVBoxLayout* layout = new QVBoxLayout;
-        layout->addWidget(tab, 0);
-        parent.setLayout(layout);
+        // A parent that already has a layout would refuse a second one and leave
+        // it without an owner: the tab goes into the parent's own layout instead.
+        if (QLayout* existing = parent.layout())
+        {
+            existing->addWidget(tab);
+        }
+        else
+        {
+            QVBoxLayout* layout = new QVBoxLayout;
+            layout->addWidget(tab, 0);
+            parent.setLayout(layout);
+        }
     }
     catch (const TabExtensionException& e)
     {

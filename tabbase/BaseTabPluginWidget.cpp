@@ -18,7 +18,8 @@ BaseTabPluginWidget::BaseTabPluginWidget(const FeatureList& features, QWidget* p
     qInstallMessageHandler(TABMessageHandler);
     m_pFeatures = features;
     m_pFeatureManager = new FeatureManager(features);
-    m_pFeatureObserver = OrvCPP::shared_ptr<PluginFeatureObserver>(new PluginFeatureObserver());
+    // The camera keeps copies; whoever lets go last, the object dies on this thread.
+    m_pFeatureObserver = PluginFeatureObserver::create();
     // The observer emits on camera threads; the default connection queues the
     // call into this widget's (the GUI) thread.
     connect(m_pFeatureObserver.get(), SIGNAL(setChangedFeature(const QString&, const QString&)), this,

@@ -4,47 +4,62 @@
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QPointer>
 #include <QSpinBox>
 
 // The presets never write to the camera themselves: they set the tab's controls
 // with their signals live, and the edit slots write. Each camera family has its
 // own variant with its own value names; a value a camera does not offer is
 // simply not selected.
+//
+// While a preset waits, the host may delete the tab (its camera window closed):
+// every wait tells whether the tab is still there, and the preset returns at
+// once, without touching a member, when it is not.
 
 namespace
 {
 
-// Lets queued notifications, timer ticks and repaints run between two writes.
-void processEvents()
+// Lets queued notifications, timer ticks and repaints run between two writes;
+// false when the tab was deleted meanwhile.
+bool processEvents(const QPointer<IOTriggerWidget>& tab)
 {
     QCoreApplication::processEvents(QEventLoop::AllEvents);
+    return !tab.isNull();
 }
 
-// Gives the camera time between dependent writes while the interface stays alive.
-void wait200ms()
+// Gives the camera time between dependent writes while the interface stays
+// alive; false when the tab was deleted meanwhile.
+bool wait200ms(const QPointer<IOTriggerWidget>& tab)
 {
     QElapsedTimer timer;
     timer.start();
     while (timer.elapsed() <= 199)
-        processEvents();
+    {
+        if (!processEvents(tab))
+            return false;
+    }
+    return true;
 }
 
 // Switches the trigger off for every trigger selector the camera offers; the
-// item count is read anew on every pass.
-void switchAllTriggersOff(IOTriggerWidget* tab, QComboBox* selector, QComboBox* mode)
+// item count is read anew on every pass. False when the tab was deleted.
+bool switchAllTriggersOff(const QPointer<IOTriggerWidget>& tab, QComboBox* selector, QComboBox* mode)
 {
     for (int i = 0; i < selector->count(); ++i)
     {
         tab->SetComboBoxValue(selector->itemText(i), selector);
-        processEvents();
+        if (!processEvents(tab))
+            return false;
         tab->SetComboBoxValue("Off", mode);
     }
+    return true;
 }
 
 } // namespace
 
 void IOTriggerWidget::OnEdgeMode()
 {
+    const QPointer<IOTriggerWidget> alive(this);
     SetQuickButtonsDisabled(true);
     UnRegisterFeatureObserver(false);
 
@@ -53,7 +68,8 @@ void IOTriggerWidget::OnEdgeMode()
         SetComboBoxValue("Timed", m_pComboExposureMode);
         updateTriggerSelector();
         SetComboBoxValue("ExposureStart", m_pComboTriggerSelector);
-        wait200ms();
+        if (!wait200ms(alive))
+            return;
         SetComboBoxValue("Off", m_pComboTriggerMode);
         SetComboBoxValue("ExposureStart", m_pComboTriggerSelector);
         SetComboBoxValue("InputLines", m_pComboTriggerSource);
@@ -65,13 +81,15 @@ void IOTriggerWidget::OnEdgeMode()
     }
     if (m_pComboExposureAuto)
     {
-        switchAllTriggersOff(this, m_pComboTriggerSelector, m_pComboTriggerMode);
+        if (!switchAllTriggersOff(alive, m_pComboTriggerSelector, m_pComboTriggerMode))
+            return;
         SetComboBoxValue("FrameStart", m_pComboTriggerSelector);
         SetComboBoxValue("FallingEdge", m_pComboTriggerActivation);
         SetComboBoxValue("Line1", m_pComboTriggerSource);
         SetComboBoxValue("Continuous", m_pComboAcquisitionMode);
         SetComboBoxValue("Off", m_pComboExposureAuto);
-        processEvents();
+        if (!processEvents(alive))
+            return;
         SetComboBoxValue("Line1", m_pComboTriggerSource);
         SetComboBoxValue("On", m_pComboTriggerMode);
     }
@@ -79,10 +97,12 @@ void IOTriggerWidget::OnEdgeMode()
     {
         SetComboBoxValue("Timed", m_pComboExposureMode);
         SetComboBoxValue("AcquisitionStart", m_pComboTriggerSelector);
-        processEvents();
+        if (!processEvents(alive))
+            return;
         SetComboBoxValue("Off", m_pComboTriggerMode);
         SetComboBoxValue("FrameStart", m_pComboTriggerSelector);
-        processEvents();
+        if (!processEvents(alive))
+            return;
         SetComboBoxValue("Off", m_pComboTriggerMode);
         SetComboBoxValue(GetFirstInput(), m_pComboTriggerSource);
         SetComboBoxValue("FallingEdge", m_pComboTriggerActivation);
@@ -96,6 +116,7 @@ void IOTriggerWidget::OnEdgeMode()
 
 void IOTriggerWidget::OnLevelMode()
 {
+    const QPointer<IOTriggerWidget> alive(this);
     // The observer stays registered: the preset's own writes come back as
     // changes and refresh the tab on the next tick.
     SetQuickButtonsDisabled(true);
@@ -116,12 +137,14 @@ void IOTriggerWidget::OnLevelMode()
     }
     if (m_pComboExposureAuto)
     {
-        switchAllTriggersOff(this, m_pComboTriggerSelector, m_pComboTriggerMode);
+        if (!switchAllTriggersOff(alive, m_pComboTriggerSelector, m_pComboTriggerMode))
+            return;
         SetComboBoxValue("FrameStart", m_pComboTriggerSelector);
         SetComboBoxValue("Line1", m_pComboTriggerSource);
         SetComboBoxValue("Continuous", m_pComboAcquisitionMode);
         SetComboBoxValue("other", m_pComboExposureAuto);
-        processEvents();
+        if (!processEvents(alive))
+            return;
         SetComboBoxValue("Line1", m_pComboTriggerSource);
         SetComboBoxValue("LevelLow", m_pComboTriggerActivation);
         SetComboBoxValue("On", m_pComboTriggerMode);
@@ -130,10 +153,12 @@ void IOTriggerWidget::OnLevelMode()
     {
         SetComboBoxValue("TriggerWidth", m_pComboExposureMode);
         SetComboBoxValue("AcquisitionStart", m_pComboTriggerSelector);
-        processEvents();
+        if (!processEvents(alive))
+            return;
         SetComboBoxValue("Off", m_pComboTriggerMode);
         SetComboBoxValue("FrameStart", m_pComboTriggerSelector);
-        processEvents();
+        if (!processEvents(alive))
+            return;
         SetComboBoxValue("Off", m_pComboTriggerMode);
         SetComboBoxValue(GetFirstInput(), m_pComboTriggerSource);
         // This family takes an edge activation for the level preset too.
@@ -147,6 +172,7 @@ void IOTriggerWidget::OnLevelMode()
 
 void IOTriggerWidget::OnBulkMode()
 {
+    const QPointer<IOTriggerWidget> alive(this);
     UnRegisterFeatureObserver(false);
     SetQuickButtonsDisabled(true);
 
@@ -154,11 +180,16 @@ void IOTriggerWidget::OnBulkMode()
     {
         // Coming from level triggering, the edge configuration is set up first.
         if (m_pComboExposureMode->currentText().contains("TriggerWidth"))
+        {
             OnEdgeMode();
+            if (!alive)
+                return;
+        }
         SetComboBoxValue("Timed", m_pComboExposureMode);
         updateTriggerSelector();
         SetComboBoxValue("ExposureStart", m_pComboTriggerSelector);
-        wait200ms();
+        if (!wait200ms(alive))
+            return;
         SetComboBoxValue("Off", m_pComboTriggerMode);
         SetComboBoxValue("InputLines", m_pComboTriggerSource);
         SetComboBoxValue("FallinEdge", m_pComboTriggerActivation);
@@ -172,13 +203,15 @@ void IOTriggerWidget::OnBulkMode()
     }
     if (m_pComboExposureAuto)
     {
-        switchAllTriggersOff(this, m_pComboTriggerSelector, m_pComboTriggerMode);
+        if (!switchAllTriggersOff(alive, m_pComboTriggerSelector, m_pComboTriggerMode))
+            return;
         SetComboBoxValue("AcquisitionStart", m_pComboTriggerSelector);
         SetComboBoxValue("Line1", m_pComboTriggerSource);
         SetComboBoxValue("MultiFrame", m_pComboAcquisitionMode);
         SetComboBoxValue("Off", m_pComboExposureAuto);
         m_pSpinAcquisitionFrameCount->setValue(10);
-        processEvents();
+        if (!processEvents(alive))
+            return;
         SetComboBoxValue("Line1", m_pComboTriggerSource);
         SetComboBoxValue("FallinEdge", m_pComboTriggerActivation);
         SetComboBoxValue("On", m_pComboTriggerMode);
@@ -187,10 +220,12 @@ void IOTriggerWidget::OnBulkMode()
     {
         SetComboBoxValue("Timed", m_pComboExposureMode);
         SetComboBoxValue("FrameStart", m_pComboTriggerSelector);
-        processEvents();
+        if (!processEvents(alive))
+            return;
         SetComboBoxValue("Off", m_pComboTriggerMode);
         SetComboBoxValue("AcquisitionStart", m_pComboTriggerSelector);
-        wait200ms();
+        if (!wait200ms(alive))
+            return;
         SetComboBoxValue("Off", m_pComboTriggerMode);
         SetComboBoxValue(GetFirstInput(), m_pComboTriggerSource);
         SetComboBoxValue("FallingEdge", m_pComboTriggerActivation);

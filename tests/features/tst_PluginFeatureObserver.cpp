@@ -3,6 +3,8 @@
 
 #include <QtTest>
 
+#include <thread>
+
 using TestCam::Op;
 using TestCam::TestCamera;
 
@@ -79,7 +81,7 @@ void tst_PluginFeatureObserver::queuedFromCameraThread()
     TestCamera cam;
     cam.addInt("Width", 640, 0, 4096, 1);
     cam.addEnum("TriggerMode", {"Off", "On"}, "Off");
-    auto observer = std::make_shared<PluginFeatureObserver>();
+    OrvCPP::shared_ptr<PluginFeatureObserver> observer = PluginFeatureObserver::create();
     for (const char* name : {"Width", "TriggerMode"})
         QCOMPARE(cam.feature(name)->RegisterObserver(observer), OrvErrorType(OrvErrorSuccess));
     QObject receiver;
@@ -96,6 +98,26 @@ void tst_PluginFeatureObserver::queuedFromCameraThread()
     cam.waitForNotifications();
     QVERIFY(received.isEmpty()); // delivered only by the receiver's event loop
     QTRY_COMPARE(received, (QList<QStringList>{{"Width", "800"}, {"TriggerMode", "On"}}));
+
+    // The last reference let go on another thread: the object dies on its own one,
+    // or at once when its thread has ended.
+    QThread* dying = nullptr;
+    QObject::connect(observer.get(), &QObject::destroyed, [&dying] { dying = QThread::currentThread(); });
+    for (const char* name : {"Width", "TriggerMode"})
+        cam.feature(name)->UnregisterObserver(observer);
+    std::thread([last = std::move(observer)]() mutable { last.reset(); }).join();
+    QVERIFY(!dying);
+    QTRY_COMPARE(dying, QThread::currentThread());
+    OrvCPP::shared_ptr<PluginFeatureObserver> orphan = PluginFeatureObserver::create();
+    QThread owner;
+    orphan->moveToThread(&owner);
+    owner.start();
+    owner.quit();
+    owner.wait();
+    bool gone = false;
+    QObject::connect(orphan.get(), &QObject::destroyed, [&gone] { gone = true; });
+    orphan.reset();
+    QVERIFY(gone);
 }
 
 QTEST_GUILESS_MAIN(tst_PluginFeatureObserver)

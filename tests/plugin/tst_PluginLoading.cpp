@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QLayout>
 #include <QPluginLoader>
+#include <QStackedLayout>
 #include <QtTest>
 
 using TestCam::TestCamera;
@@ -69,6 +70,12 @@ void tst_PluginLoading::tabsFollowTheHostsAcquisition()
         QCOMPARE(parent->layout()->itemAt(0)->widget()->metaObject()->className(), "IOTriggerWidget");
         QCOMPARE(parent->accessibleName(), QString("Trigger IO"));
     }
+    // A parent with a layout of its own keeps it and gets the tab inside it.
+    QWidget laidOut;
+    QStackedLayout* own = new QStackedLayout(&laidOut);
+    QCOMPARE(plugin()->get(cam.features(), laidOut, nullptr), 0);
+    QCOMPARE(laidOut.layout(), own);
+    QCOMPARE(own->itemAt(0)->widget()->metaObject()->className(), "IOTriggerWidget");
     const QList<QLabel*> hints{first.findChild<QLabel*>("l_notAcquireHint"),
                                second.findChild<QLabel*>("l_notAcquireHint")};
     for (bool on : {true, false})
