@@ -2,6 +2,7 @@
 #include <arv.h>
 
 #include "GenICamTestSupport.h"
+#include "ReviewedRecord.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -19,6 +20,8 @@ class tst_GenICamBackend : public QObject
     Q_OBJECT
 
 private:
+    ReviewedRecord m_record{TRIGGERIO_TESTS_DIR "/genicam/backend-steps.txt"};
+
     // Opens a demo model in process, or fails the test.
     bool openModel(GenICamCamera& camera, const QString& file)
     {
@@ -143,396 +146,118 @@ private slots:
         QVERIFY(camera.isOpen());
     }
 
-    void modelsOfferTheTabsFeatures_data()
+    void steps_data()
     {
         QTest::addColumn<QString>("model");
-        QTest::addColumn<QStringList>("names");
-        const QStringList common = {"TriggerSelector", "TriggerMode",     "TriggerSource",        "TriggerActivation",
-                                    "TriggerSoftware", "AcquisitionMode", "AcquisitionFrameCount"};
-        QTest::newRow("line") << "line-camera.xml"
-                              << common + QStringList{"ExposureAuto",       "LineSelector",   "LineMode",
-                                                      "LineSource",         "LineInverter",   "LineStatus",
-                                                      "UserOutputSelector", "UserOutputValue"};
-        QTest::newRow("sync-out") << "syncout-camera.xml"
-                                  << common + QStringList{"ExposureMode", "SyncOutSelector", "SyncOutSource",
-                                                          "SyncOutPolarity", "SyncOutLevels"};
-        QTest::newRow("routing") << "routing-camera.xml"
-                                 << common + QStringList{"ExposureMode", "LineSelector", "LineMode",   "LineRouting",
-                                                         "LineSource",   "LineInverter", "LineStatus", "LineOutLevels"};
+        QTest::addColumn<QString>("steps");
+        // "F?" reads F (type, writability, value), "F#" its entries or range and
+        // increment, "F=V" writes V in F's own type ("b:", "i:", "f:", "s:" force
+        // one), "F!" runs F as a command, "@A?" reads the register at address A.
+        const QString line = "line-camera.xml", syncout = "syncout-camera.xml", routing = "routing-camera.xml";
+        auto row = [](const char* tag, const QString& model, const QString& steps)
+        { QTest::newRow(tag) << model << steps; };
+        row("every type", line,
+            "DeviceVendorName? LineSelector? ExposureTime=1234.5 ExposureTime? DeviceUserID=bench-7 DeviceUserID? "
+            "LineInverter=true LineInverter? DeviceUserData=0102a0b0c0d0e0f0 DeviceUserData? DeviceUserData=12 "
+            "TriggerSoftware! TriggerSoftware? PayloadSize?");
+        row("integer", syncout, "SyncOutLevels=5 SyncOutLevels? SyncOutLevels#");
+        row("enumeration", routing, "TriggerActivation=LowLevel TriggerActivation? TriggerActivation#");
+        row("wrong types", line,
+            "Width=b:true LineSource=b:true LineSource=i:1 Width! Width# LineSource=s:Nowhere LineSource?");
+        row("range and grid", line,
+            "Width# Width=64 Width=4096 Width=70 Width? @0x100? ExposureTime# ExposureTime=5 ExposureTime?");
+        row("entries in declared order", line,
+            "TriggerSelector# TriggerSource# LineMode# LineSelector=Line2 LineMode#");
+        row("read-only", line, "DeviceModelName=Other PayloadSize=10 DeviceModelName?");
+        row("locks", line,
+            "AcquisitionFrameCount=7 @0x1010? AcquisitionMode=MultiFrame AcquisitionFrameCount=10 "
+            "AcquisitionFrameCount? LineMode=Output @0x1110? LineStatus=true @0x1140? LineSource?");
+        row("unavailable", line, "ExposureTime? ExposureAuto=Continuous ExposureTime? ExposureTime=100 @0x120?");
+        row("routing locks", routing, "LineMode? LineSelector=Line2 LineMode=Input LineRouting=Trigger @0x1110?");
+        row("selector walks", line,
+            "LineSelector=Line0 LineMode? LineSelector=Line1 LineMode? LineSource? LineSelector=Line2 LineMode=Output "
+            "LineInverter=true LineSource? LineSelector=Line3 LineMode? LineInverter? LineSelector=Line2 LineMode? "
+            "LineInverter?");
+        row("sync-out selector", syncout,
+            "SyncOutSource? SyncOutSelector=SyncOut2 SyncOutSource? SyncOutSelector=SyncOut3 SyncOutSource?");
+        row("routing selector", routing,
+            "LineSelector=Line0 LineMode? LineSelector=Line1 LineMode? LineSelector=Line3 LineMode? LineOutLevels?");
     }
 
-    void modelsOfferTheTabsFeatures()
+    // Each step's result on a demo model in process, compared with the reviewed
+    // record backend-steps.txt.
+    void steps()
     {
         QFETCH(QString, model);
-        QFETCH(QStringList, names);
+        QFETCH(QString, steps);
         GenICamCamera camera;
         QVERIFY(openModel(camera, model));
-        for (const QString& name : names)
-            QVERIFY2(featureNamed(camera.features(), name.toStdString()), qPrintable(name));
-        // Helper nodes (registers, formulas) are not features of the camera.
-        QVERIFY(!featureNamed(camera.features(), "LineSelectorRegister"));
-        QVERIFY(!featureNamed(camera.features(), "Root"));
-    }
-
-    void categoryOrder()
-    {
-        GenICamCamera camera;
-        QVERIFY(openModel(camera, "line-camera.xml"));
-        const FeatureList features = camera.features();
-        QStringList names;
-        QStringList categories;
-        for (const FeaturePtr& feature : *features)
+        QStringList lines;
+        for (const QString& step : steps.split(' '))
         {
-            std::string name, category;
-            QCOMPARE(feature->GetName(name), OrvErrorType(OrvErrorSuccess));
-            QCOMPARE(feature->GetCategory(category), OrvErrorType(OrvErrorSuccess));
-            names << QString::fromStdString(name);
-            if (categories.isEmpty() || categories.last() != QString::fromStdString(category))
-                categories << QString::fromStdString(category);
+            const int at = step.indexOf(QRegularExpression("[?#=!]"));
+            const QString name = step.left(at), op = step.mid(at, 1);
+            QString value = step.mid(at + 1);
+            if (name.startsWith('@'))
+            {
+                lines << step + " " + QString::number(readRegister(camera, name.mid(1).toUInt(nullptr, 16)));
+                continue;
+            }
+            const FeaturePtr f = featureNamed(camera.features(), name.toStdString());
+            QVERIFY2(f, qPrintable(name));
+            OrvFeatureDataType type = OrvFeatureDataUnknown;
+            f->GetDataType(type);
+            const QString forced = value.section(':', 0, 0);
+            if (value.contains(':'))
+            {
+                type = forced == "b"   ? OrvFeatureDataBool
+                       : forced == "i" ? OrvFeatureDataInt
+                       : forced == "f" ? OrvFeatureDataFloat
+                                       : OrvFeatureDataString;
+                value = value.section(':', 1);
+            }
+            QString result;
+            if (op == "?")
+            {
+                bool writable = false;
+                f->IsWritable(writable);
+                result = QString("type %1 %2 \"%3\"")
+                             .arg(type)
+                             .arg(writable ? "rw" : "ro")
+                             .arg(QString::fromStdString(textOf(f)));
+            }
+            else if (op == "#")
+            {
+                std::vector<std::string> entries;
+                long long iMin = 0, iMax = 0, iInc = 0;
+                double fMin = 0, fMax = 0, fInc = 0;
+                if (f->GetValues(entries) == OrvErrorSuccess)
+                    for (const std::string& entry : entries)
+                    {
+                        bool available = false;
+                        f->IsValueAvailable(entry.c_str(), available);
+                        result += QString::fromStdString(entry) + (available ? " " : "(unavailable) ");
+                    }
+                else if (f->GetRange(iMin, iMax) == OrvErrorSuccess && f->GetIncrement(iInc) == OrvErrorSuccess)
+                    result = QString("[%1, %2] step %3").arg(iMin).arg(iMax).arg(iInc);
+                else if (f->GetRange(fMin, fMax) == OrvErrorSuccess && f->GetIncrement(fInc) == OrvErrorSuccess)
+                    result = QString("[%1, %2] step %3").arg(fMin).arg(fMax).arg(fInc);
+                else
+                    result = QString("code %1").arg(f->GetValues(entries));
+            }
+            else if (op == "!")
+                result = QString("code %1").arg(f->RunCommand());
+            else if (type == OrvFeatureDataInt)
+                result = QString("code %1").arg(f->SetValue(value.toLongLong()));
+            else if (type == OrvFeatureDataFloat)
+                result = QString("code %1").arg(f->SetValue(value.toDouble()));
+            else if (type == OrvFeatureDataBool)
+                result = QString("code %1").arg(f->SetValue(value == "true"));
+            else
+                result = QString("code %1").arg(f->SetValue(value.toUtf8().constData()));
+            lines << step + " " + result;
         }
-        QCOMPARE(names.first(), QStringLiteral("DeviceVendorName"));
-        QCOMPARE(names.last(), QStringLiteral("UserOutputValue"));
-        QVERIFY(names.indexOf("LineSelector") < names.indexOf("LineMode"));
-        QCOMPARE(categories,
-                 (QStringList{"DeviceControl", "ImageFormatControl", "AcquisitionControl", "DigitalIOControl"}));
-        std::string displayName;
-        QCOMPARE(featureNamed(features, "LineSelector")->GetDisplayName(displayName), OrvErrorType(OrvErrorSuccess));
-        QCOMPARE(displayName, std::string("Line Selector"));
-    }
-
-    void readWriteEveryType_data()
-    {
-        QTest::addColumn<QString>("model");
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<OrvFeatureDataType>("type");
-        QTest::addColumn<QString>("value"); // written in the type's own form, read back as text
-
-        QTest::newRow("integer") << "syncout-camera.xml"
-                                 << "SyncOutLevels" << OrvFeatureDataInt << "5";
-        QTest::newRow("float") << "line-camera.xml"
-                               << "ExposureTime" << OrvFeatureDataFloat << "1234.5";
-        QTest::newRow("enumeration") << "routing-camera.xml"
-                                     << "TriggerActivation" << OrvFeatureDataEnum << "LowLevel";
-        QTest::newRow("string") << "line-camera.xml"
-                                << "DeviceUserID" << OrvFeatureDataString << "bench-7";
-        QTest::newRow("boolean") << "line-camera.xml"
-                                 << "LineInverter" << OrvFeatureDataBool << "true";
-        QTest::newRow("raw") << "line-camera.xml"
-                             << "DeviceUserData" << OrvFeatureDataRaw << "0102a0b0c0d0e0f0";
-        QTest::newRow("command") << "line-camera.xml"
-                                 << "TriggerSoftware" << OrvFeatureDataCommand << "";
-    }
-
-    void readWriteEveryType()
-    {
-        QFETCH(QString, model);
-        QFETCH(QString, name);
-        QFETCH(OrvFeatureDataType, type);
-        QFETCH(QString, value);
-
-        GenICamCamera camera;
-        QVERIFY(openModel(camera, model));
-        const FeaturePtr feature = featureNamed(camera.features(), name.toStdString());
-        QVERIFY(feature);
-        OrvFeatureDataType actual = OrvFeatureDataUnknown;
-        QCOMPARE(feature->GetDataType(actual), OrvErrorType(OrvErrorSuccess));
-        QCOMPARE(actual, type);
-        bool writable = false;
-        QCOMPARE(feature->IsWritable(writable), OrvErrorType(OrvErrorSuccess));
-        QVERIFY(writable);
-
-        const std::string before = textOf(feature);
-        OrvErrorType code = OrvErrorInternalFault;
-        switch (type)
-        {
-        case OrvFeatureDataInt:
-        {
-            code = feature->SetValue(value.toLongLong());
-            long long number = -1;
-            QCOMPARE(feature->GetValue(number), OrvErrorType(OrvErrorSuccess));
-            QCOMPARE(number, value.toLongLong());
-            break;
-        }
-        case OrvFeatureDataFloat:
-        {
-            code = feature->SetValue(value.toDouble());
-            double number = -1;
-            QCOMPARE(feature->GetValue(number), OrvErrorType(OrvErrorSuccess));
-            QCOMPARE(number, value.toDouble());
-            break;
-        }
-        case OrvFeatureDataBool:
-        {
-            code = feature->SetValue(value == "true");
-            bool flag = false;
-            QCOMPARE(feature->GetValue(flag), OrvErrorType(OrvErrorSuccess));
-            QCOMPARE(flag, value == "true");
-            break;
-        }
-        case OrvFeatureDataCommand:
-        {
-            code = feature->RunCommand();
-            std::string text;
-            QCOMPARE(feature->GetValue(text), OrvErrorType(OrvErrorWrongType));
-            break;
-        }
-        default:
-            code = feature->SetValue(value.toUtf8().constData());
-        }
-        QCOMPARE(code, OrvErrorType(OrvErrorSuccess));
-        if (type != OrvFeatureDataCommand)
-        {
-            QVERIFY(before != value.toStdString());
-            QCOMPARE(QString::fromStdString(textOf(feature)), value);
-        }
-    }
-
-    void wrongTypeCalls()
-    {
-        GenICamCamera camera;
-        QVERIFY(openModel(camera, "line-camera.xml"));
-        const FeatureList features = camera.features();
-        bool flag = false;
-        long long number = 0;
-        std::vector<std::string> entries;
-        QCOMPARE(featureNamed(features, "Width")->GetValue(flag), OrvErrorType(OrvErrorWrongType));
-        QCOMPARE(featureNamed(features, "LineSource")->SetValue(true), OrvErrorType(OrvErrorWrongType));
-        QCOMPARE(featureNamed(features, "LineSource")->GetValue(number), OrvErrorType(OrvErrorWrongType));
-        QCOMPARE(featureNamed(features, "Width")->RunCommand(), OrvErrorType(OrvErrorWrongType));
-        QCOMPARE(featureNamed(features, "Width")->GetValues(entries), OrvErrorType(OrvErrorWrongType));
-        QCOMPARE(featureNamed(features, "LineSource")->SetValue(nullptr), OrvErrorType(OrvErrorBadParameter));
-        QCOMPARE(featureNamed(features, "DeviceUserData")->SetValue("12"), OrvErrorType(OrvErrorInvalidValue));
-    }
-
-    void rangeAndIncrement()
-    {
-        GenICamCamera camera;
-        QVERIFY(openModel(camera, "line-camera.xml"));
-        const FeatureList features = camera.features();
-        const FeaturePtr width = featureNamed(features, "Width");
-        long long minimum = 0, maximum = 0, increment = 0;
-        QCOMPARE(width->GetRange(minimum, maximum), OrvErrorType(OrvErrorSuccess));
-        QCOMPARE(width->GetIncrement(increment), OrvErrorType(OrvErrorSuccess));
-        QCOMPARE(minimum, 16LL);
-        QCOMPARE(maximum, 2048LL);
-        QCOMPARE(increment, 16LL);
-        QCOMPARE(width->SetValue(64LL), OrvErrorType(OrvErrorSuccess));
-        QCOMPARE(width->SetValue(4096LL), OrvErrorType(OrvErrorInvalidValue));
-        QCOMPARE(width->SetValue(70LL), OrvErrorType(OrvErrorInvalidValue)); // off the increment
-        QCOMPARE(textOf(width), std::string("64"));
-        QCOMPARE(readRegister(camera, 0x100), 64u);
-
-        const FeaturePtr exposure = featureNamed(features, "ExposureTime");
-        double low = 0, high = 0, step = 0;
-        QCOMPARE(exposure->GetRange(low, high), OrvErrorType(OrvErrorSuccess));
-        QCOMPARE(exposure->GetIncrement(step), OrvErrorType(OrvErrorSuccess));
-        QCOMPARE(low, 10.0);
-        QCOMPARE(high, 1000000.0);
-        QCOMPARE(step, 0.5);
-        QCOMPARE(exposure->SetValue(5.0), OrvErrorType(OrvErrorInvalidValue));
-        QCOMPARE(textOf(exposure), std::string("5000"));
-    }
-
-    void enumerationEntries()
-    {
-        GenICamCamera camera;
-        QVERIFY(openModel(camera, "line-camera.xml"));
-        const FeatureList features = camera.features();
-        std::vector<std::string> entries;
-        // Declared order, not Aravis's reversed list nor the numeric values' order.
-        QCOMPARE(featureNamed(features, "TriggerSelector")->GetValues(entries), OrvErrorType(OrvErrorSuccess));
-        QCOMPARE(entries, (std::vector<std::string>{"AcquisitionStart", "FrameStart"}));
-        QCOMPARE(featureNamed(features, "TriggerSource")->GetValues(entries), OrvErrorType(OrvErrorSuccess));
-        QCOMPARE(entries, (std::vector<std::string>{"Line0", "Line2", "Line3", "Software"}));
-
-        const FeaturePtr lineMode = featureNamed(features, "LineMode");
-        const FeaturePtr selector = featureNamed(features, "LineSelector");
-        bool available = true;
-        QCOMPARE(lineMode->IsValueAvailable("Output", available), OrvErrorType(OrvErrorSuccess));
-        QVERIFY(!available); // Line0 is an input only
-        QCOMPARE(lineMode->IsValueAvailable("Bidirectional", available), OrvErrorType(OrvErrorInvalidValue));
-        QCOMPARE(selector->SetValue("Line2"), OrvErrorType(OrvErrorSuccess));
-        QCOMPARE(lineMode->IsValueAvailable("Output", available), OrvErrorType(OrvErrorSuccess));
-        QVERIFY(available);
-        QCOMPARE(lineMode->SetValue("Bidirectional"), OrvErrorType(OrvErrorInvalidValue));
-        QCOMPARE(textOf(lineMode), std::string("Input"));
-    }
-
-    void unavailableEntryIsRefused()
-    {
-        // Line1 has a writable... no: Line1 is a fixed output; make Line0 writable
-        // in memory to reach the entry check itself.
-        GenICamCamera camera;
-        QVERIFY(openModel(camera, "line-camera.xml"));
-        const FeaturePtr lineMode = featureNamed(camera.features(), "LineMode");
-        bool writable = true;
-        QCOMPARE(lineMode->IsWritable(writable), OrvErrorType(OrvErrorSuccess));
-        QVERIFY(!writable); // locked on Line0
-        QCOMPARE(lineMode->SetValue("Output"), OrvErrorType(OrvErrorInvalidAccess));
-        QCOMPARE(readRegister(camera, 0x1110), 0u);
-    }
-
-    void readOnlyAndLocked_data()
-    {
-        QTest::addColumn<QString>("model");
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("value");
-        QTest::addColumn<quint32>("address"); // register that must stay unchanged (0: none)
-
-        QTest::newRow("read-only string") << "line-camera.xml"
-                                          << "DeviceModelName"
-                                          << "Other" << 0u;
-        QTest::newRow("read-only formula") << "line-camera.xml"
-                                           << "PayloadSize"
-                                           << "10" << 0u;
-        QTest::newRow("read-only enumeration") << "routing-camera.xml"
-                                               << "LineMode"
-                                               << "Output" << 0u;
-        QTest::newRow("locked frame count") << "line-camera.xml"
-                                            << "AcquisitionFrameCount"
-                                            << "7" << 0x1010u;
-        QTest::newRow("locked line mode") << "line-camera.xml"
-                                          << "LineMode"
-                                          << "Output" << 0x1110u;
-        QTest::newRow("locked routing on output line") << "routing-camera.xml"
-                                                       << "LineRouting"
-                                                       << "Trigger" << 0x1110u;
-        QTest::newRow("locked status of non-Direct line") << "line-camera.xml"
-                                                          << "LineStatus"
-                                                          << "1" << 0x1140u;
-        QTest::newRow("unavailable exposure time") << "line-camera.xml"
-                                                   << "ExposureTime"
-                                                   << "100" << 0x120u;
-    }
-
-    void readOnlyAndLocked()
-    {
-        QFETCH(QString, model);
-        QFETCH(QString, name);
-        QFETCH(QString, value);
-        QFETCH(quint32, address);
-
-        GenICamCamera camera;
-        QVERIFY(openModel(camera, model));
-        const FeatureList features = camera.features();
-        if (model == "routing-camera.xml")
-            QCOMPARE(featureNamed(features, "LineSelector")->SetValue("Line2"), OrvErrorType(OrvErrorSuccess));
-        if (name == "ExposureTime")
-            QCOMPARE(featureNamed(features, "ExposureAuto")->SetValue("Continuous"), OrvErrorType(OrvErrorSuccess));
-        const FeaturePtr feature = featureNamed(features, name.toStdString());
-        const quint32 before = address ? readRegister(camera, address) : 0;
-
-        bool writable = true;
-        QCOMPARE(feature->IsWritable(writable), OrvErrorType(OrvErrorSuccess));
-        QVERIFY(!writable);
-        OrvFeatureDataType type = OrvFeatureDataUnknown;
-        feature->GetDataType(type);
-        OrvErrorType code = OrvErrorSuccess;
-        if (type == OrvFeatureDataInt)
-            code = feature->SetValue(value.toLongLong());
-        else if (type == OrvFeatureDataFloat)
-            code = feature->SetValue(value.toDouble());
-        else if (type == OrvFeatureDataBool)
-            code = feature->SetValue(value == "1");
-        else
-            code = feature->SetValue(value.toUtf8().constData());
-        QCOMPARE(code, OrvErrorType(OrvErrorInvalidAccess));
-        if (address)
-            QCOMPARE(readRegister(camera, address), before);
-    }
-
-    void lockFollowsAcquisitionMode()
-    {
-        GenICamCamera camera;
-        QVERIFY(openModel(camera, "line-camera.xml"));
-        const FeatureList features = camera.features();
-        const FeaturePtr count = featureNamed(features, "AcquisitionFrameCount");
-        bool writable = true;
-        QCOMPARE(count->IsWritable(writable), OrvErrorType(OrvErrorSuccess));
-        QVERIFY(!writable);
-        QCOMPARE(featureNamed(features, "AcquisitionMode")->SetValue("MultiFrame"), OrvErrorType(OrvErrorSuccess));
-        QCOMPARE(count->IsWritable(writable), OrvErrorType(OrvErrorSuccess));
-        QVERIFY(writable);
-        QCOMPARE(count->SetValue(10.0), OrvErrorType(OrvErrorSuccess));
-        QCOMPARE(textOf(count), std::string("10"));
-    }
-
-    void unavailableFeatureIsNotReadable()
-    {
-        GenICamCamera camera;
-        QVERIFY(openModel(camera, "line-camera.xml"));
-        const FeatureList features = camera.features();
-        const FeaturePtr exposure = featureNamed(features, "ExposureTime");
-        double value = -1;
-        QCOMPARE(exposure->GetValue(value), OrvErrorType(OrvErrorSuccess));
-        QCOMPARE(featureNamed(features, "ExposureAuto")->SetValue("Continuous"), OrvErrorType(OrvErrorSuccess));
-        value = -1;
-        QCOMPARE(exposure->GetValue(value), OrvErrorType(OrvErrorInvalidAccess));
-        QCOMPARE(value, -1.0); // outputs untouched on failure
-    }
-
-    void selectorChangesDependentReads_data()
-    {
-        QTest::addColumn<QString>("model");
-        QTest::addColumn<QString>("selector");
-        QTest::addColumn<QString>("feature");
-        QTest::addColumn<QStringList>("entries");
-        QTest::addColumn<QStringList>("powerUp"); // per entry
-
-        QTest::newRow("line mode") << "line-camera.xml"
-                                   << "LineSelector"
-                                   << "LineMode" << QStringList{"Line0", "Line1", "Line2", "Line3"}
-                                   << QStringList{"Input", "Output", "Input", "Input"};
-        QTest::newRow("line source") << "line-camera.xml"
-                                     << "LineSelector"
-                                     << "LineSource" << QStringList{"Line1", "Line2"}
-                                     << QStringList{"UserOutput0", "Off"};
-        QTest::newRow("routing line mode") << "routing-camera.xml"
-                                           << "LineSelector"
-                                           << "LineMode" << QStringList{"Line0", "Line1", "Line2", "Line3"}
-                                           << QStringList{"Input", "Input", "Output", "Output"};
-        QTest::newRow("sync-out source") << "syncout-camera.xml"
-                                         << "SyncOutSelector"
-                                         << "SyncOutSource" << QStringList{"SyncOut1", "SyncOut2", "SyncOut3"}
-                                         << QStringList{"ExposureActive", "GPO", "GPO"};
-    }
-
-    void selectorChangesDependentReads()
-    {
-        QFETCH(QString, model);
-        QFETCH(QString, selector);
-        QFETCH(QString, feature);
-        QFETCH(QStringList, entries);
-        QFETCH(QStringList, powerUp);
-
-        GenICamCamera camera;
-        QVERIFY(openModel(camera, model));
-        const FeaturePtr sel = featureNamed(camera.features(), selector.toStdString());
-        const FeaturePtr dependent = featureNamed(camera.features(), feature.toStdString());
-        for (int i = 0; i < entries.size(); ++i)
-        {
-            QCOMPARE(sel->SetValue(entries[i].toUtf8().constData()), OrvErrorType(OrvErrorSuccess));
-            QCOMPARE(QString::fromStdString(textOf(dependent)), powerUp[i]);
-        }
-    }
-
-    void selectorKeepsValuesPerLine()
-    {
-        GenICamCamera camera;
-        QVERIFY(openModel(camera, "line-camera.xml"));
-        const FeatureList features = camera.features();
-        const FeaturePtr selector = featureNamed(features, "LineSelector");
-        const FeaturePtr inverter = featureNamed(features, "LineInverter");
-        const FeaturePtr mode = featureNamed(features, "LineMode");
-        QCOMPARE(selector->SetValue("Line2"), OrvErrorType(OrvErrorSuccess));
-        QCOMPARE(mode->SetValue("Output"), OrvErrorType(OrvErrorSuccess));
-        QCOMPARE(inverter->SetValue(true), OrvErrorType(OrvErrorSuccess));
-        QCOMPARE(selector->SetValue("Line3"), OrvErrorType(OrvErrorSuccess));
-        QCOMPARE(textOf(inverter), std::string("false"));
-        QCOMPARE(textOf(mode), std::string("Input"));
-        QCOMPARE(selector->SetValue("Line2"), OrvErrorType(OrvErrorSuccess));
-        QCOMPARE(textOf(inverter), std::string("true"));
-        QCOMPARE(textOf(mode), std::string("Output"));
+        QCOMPARE(lines, m_record.take(QString(QTest::currentDataTag()), lines));
     }
 
     void observerNotifiedOnBackendThread_data()
