@@ -163,12 +163,12 @@ int main(int argc, char** argv)
         QTimer::singleShot(parser.isSet(acquireOption) ? TriggerDelayMs : 0, &window, &ViewerWindow::triggerSoftware);
 
     QTimer shot;
+    int waited = 0;
     if (!screenshot.isEmpty())
     {
         // Taken after --after, or later while an acquisition waits for its first frame.
         shot.setInterval(100);
         QTimer::singleShot(after, &shot, QOverload<>::of(&QTimer::start));
-        int waited = 0;
         QObject::connect(
             &shot, &QTimer::timeout, &window,
             [&]()
