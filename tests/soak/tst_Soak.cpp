@@ -129,10 +129,12 @@ int observers(const TestCamera& cam)
 
 // Where the soak is, for the last words of a sanitizer that stops the run.
 char whereNow[160];
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 void tellWhere()
 {
     std::fprintf(stderr, "soak: stopped %s\n", whereNow);
 }
+#endif
 
 void deleteAfterPasses(QPointer<QWidget> host, int passes)
 {
