@@ -34,7 +34,7 @@ bool isHeartbeatThread()
         std::ifstream comm("/proc/self/task/" + std::to_string(threadId()) + "/comm");
         std::string name;
         std::getline(comm, name);
-        heartbeat = name.find("heartbeat") != std::string::npos ? 1 : 0;
+        heartbeat = name.find("heartbea") != std::string::npos ? 1 : 0;
     }
     return heartbeat == 1;
 }

@@ -178,6 +178,7 @@ QVector<Row> singleReads(GenICamCamera& camera)
 {
     QVector<Row> rows;
     const int reads = 200;
+    const int rounds = 7;
     const FeatureList features = camera.features();
     for (const char* name : {"TriggerSource", "AcquisitionFrameCount", "LineInverter", "LineSource"})
     {
@@ -200,30 +201,39 @@ QVector<Row> singleReads(GenICamCamera& camera)
                 feature->GetValue(value);
             }
         };
-        Row backend{QStringLiteral("read %1 through the backend (x%2)").arg(name).arg(reads),
-                    measure(readThroughBackend)};
-        Row direct{QStringLiteral("read %1 straight through Aravis (x%2)").arg(name).arg(reads),
-                   measure(
-                       [&]
-                       {
-                           camera.withAravisDevice(
-                               [&](ArvDevice* device)
-                               {
-                                   ArvGcNode* node = arv_device_get_feature(device, name);
-                                   for (int i = 0; i < reads; ++i)
-                                   {
-                                       GError* error = nullptr;
-                                       if (type == OrvFeatureDataEnum)
-                                           arv_gc_enumeration_get_string_value(ARV_GC_ENUMERATION(node), &error);
-                                       else if (type == OrvFeatureDataBool)
-                                           arv_gc_boolean_get_value(ARV_GC_BOOLEAN(node), &error);
-                                       else
-                                           arv_gc_integer_get_value(ARV_GC_INTEGER(node), &error);
-                                       if (error)
-                                           g_error_free(error);
-                                   }
-                               });
-                       })};
+        auto readThroughAravis = [&]
+        {
+            camera.withAravisDevice(
+                [&](ArvDevice* device)
+                {
+                    ArvGcNode* node = arv_device_get_feature(device, name);
+                    for (int i = 0; i < reads; ++i)
+                    {
+                        GError* error = nullptr;
+                        if (type == OrvFeatureDataEnum)
+                            arv_gc_enumeration_get_string_value(ARV_GC_ENUMERATION(node), &error);
+                        else if (type == OrvFeatureDataBool)
+                            arv_gc_boolean_get_value(ARV_GC_BOOLEAN(node), &error);
+                        else
+                            arv_gc_integer_get_value(ARV_GC_INTEGER(node), &error);
+                        if (error)
+                            g_error_free(error);
+                    }
+                });
+        };
+        // Alternating rounds, the fastest of each kept: the loopback's noise is
+        // larger than the difference looked for.
+        Row backend{QStringLiteral("read %1 through the backend (%2 reads)").arg(name).arg(reads), {}};
+        Row direct{QStringLiteral("read %1 straight through Aravis (%2 reads)").arg(name).arg(reads), {}};
+        for (int round = 0; round < rounds; ++round)
+        {
+            const Sample viaBackend = measure(readThroughBackend);
+            const Sample viaAravis = measure(readThroughAravis);
+            if (round == 0 || viaBackend.ms < backend.sample.ms)
+                backend.sample = viaBackend;
+            if (round == 0 || viaAravis.ms < direct.sample.ms)
+                direct.sample = viaAravis;
+        }
         for (Row* row : {&backend, &direct})
             row->sample.note = QStringLiteral("%1 ms and %2 packets per read")
                                    .arg(number(row->sample.ms / reads, 3))
@@ -291,6 +301,28 @@ QString callsText(const MemoryCamera::Calls& after, const MemoryCamera::Calls& b
 void runMemory()
 {
     QVector<Row> rows;
+    {
+        // Qt's first widgets (fonts, styles) are not the tab's cost.
+        MemoryCamera warmUp(100);
+        BenchTab tab(warmUp.features(), nullptr);
+        tab.show();
+    }
+    {
+        // What the camera's own calls cost: a GetName, the most frequent one.
+        MemoryCamera camera(1000);
+        const auto feature = camera.features()->at(500);
+        const int calls = 1000000;
+        Row row{"1000 features: the camera's own cost of one GetName call", measure(
+                                                                                [&]
+                                                                                {
+                                                                                    std::string name;
+                                                                                    for (int i = 0; i < calls; ++i)
+                                                                                        feature->GetName(name);
+                                                                                })};
+        row.sample.note = QStringLiteral("%1 ns per call").arg(number(row.sample.ms * 1e6 / calls, 1));
+        row.sample.ms /= calls;
+        rows.append(row);
+    }
     for (int size : {100, 1000, 10000})
     {
         MemoryCamera camera(size);
