@@ -7,8 +7,6 @@
 #include <unistd.h>
 
 #include <atomic>
-#include <fstream>
-#include <mutex>
 
 namespace
 {
@@ -25,18 +23,17 @@ long threadId()
     return long(syscall(SYS_gettid));
 }
 
-bool isHeartbeatThread()
+// Aravis's heartbeat: a register read of the control channel privilege
+// register (0x0a00), the only register it reads.
+bool isHeartbeat(const void* data, size_t length)
 {
-    // Read once per thread: GLib names its threads after their function.
-    thread_local int heartbeat = -1;
-    if (heartbeat < 0)
-    {
-        std::ifstream comm("/proc/self/task/" + std::to_string(threadId()) + "/comm");
-        std::string name;
-        std::getline(comm, name);
-        heartbeat = name.find("heartbea") != std::string::npos ? 1 : 0;
-    }
-    return heartbeat == 1;
+    const auto* bytes = static_cast<const unsigned char*>(data);
+    if (!bytes || length != 12 || bytes[0] != 0x42)
+        return false;
+    const unsigned command = unsigned(bytes[2]) << 8 | bytes[3];
+    const unsigned long address =
+        (unsigned long)bytes[8] << 24 | (unsigned long)bytes[9] << 16 | (unsigned long)bytes[10] << 8 | bytes[11];
+    return command == 0x0080 && address == 0x0a00;
 }
 
 bool toGvcpPort(const sockaddr* address)
@@ -75,12 +72,12 @@ GvcpCounter::Counts GvcpCounter::counts()
     return {guiCount.load(), heartbeatCount.load(), otherCount.load()};
 }
 
-void GvcpCounter::count()
+void GvcpCounter::count(const void* data, size_t length)
 {
-    if (threadId() == guiThread.load())
-        ++guiCount;
-    else if (isHeartbeatThread())
+    if (isHeartbeat(data, length))
         ++heartbeatCount;
+    else if (threadId() == guiThread.load())
+        ++guiCount;
     else
         ++otherCount;
 }
@@ -92,7 +89,7 @@ extern "C" ssize_t sendto(int fd, const void* buffer, size_t length, int flags, 
     static const Function real = next<Function>("sendto");
     const ssize_t sent = real(fd, buffer, length, flags, address, addressLength);
     if (sent >= 0 && (address ? toGvcpPort(address) : connectedToGvcpPort(fd)))
-        GvcpCounter::count();
+        GvcpCounter::count(buffer, length);
     return sent;
 }
 
@@ -103,7 +100,8 @@ extern "C" ssize_t sendmsg(int fd, const msghdr* message, int flags)
     const ssize_t sent = real(fd, message, flags);
     if (sent >= 0 && message &&
         (message->msg_name ? toGvcpPort(static_cast<const sockaddr*>(message->msg_name)) : connectedToGvcpPort(fd)))
-        GvcpCounter::count();
+        GvcpCounter::count(message->msg_iovlen ? message->msg_iov[0].iov_base : nullptr,
+                           message->msg_iovlen ? message->msg_iov[0].iov_len : 0);
     return sent;
 }
 
@@ -113,6 +111,6 @@ extern "C" ssize_t send(int fd, const void* buffer, size_t length, int flags)
     static const Function real = next<Function>("send");
     const ssize_t sent = real(fd, buffer, length, flags);
     if (sent >= 0 && connectedToGvcpPort(fd))
-        GvcpCounter::count();
+        GvcpCounter::count(buffer, length);
     return sent;
 }

@@ -1,8 +1,7 @@
 #ifndef GVCPCOUNTER_H
 #define GVCPCOUNTER_H
 
-#include <map>
-#include <string>
+#include <cstddef>
 
 // Counts the GigE Vision control packets (UDP datagrams to port 3956) this
 // process sends, per thread.
@@ -18,7 +17,7 @@ public:
     struct Counts
     {
         long gui = 0;       // the thread that called markGuiThread()
-        long heartbeat = 0; // Aravis's GigE Vision heartbeat thread
+        long heartbeat = 0; // Aravis's GigE Vision heartbeat (its register read)
         long other = 0;     // every other thread (the backend's change poller)
         long total() const
         {
@@ -34,7 +33,7 @@ public:
     static void markGuiThread();
     static Counts counts();
     // Called by the wrappers for every datagram sent to the control port.
-    static void count();
+    static void count(const void* data, size_t length);
 };
 
 #endif

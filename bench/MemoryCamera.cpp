@@ -55,10 +55,7 @@ MemoryCamera::MemoryCamera(int featureCount)
 
 MemoryCamera::Calls MemoryCamera::calls() const
 {
-    Calls calls{};
-    for (int i = 0; i < OperationCount; ++i)
-        calls[size_t(i)] = m_calls[size_t(i)].load();
-    return calls;
+    return m_calls;
 }
 
 const char* MemoryCamera::operationName(int operation)

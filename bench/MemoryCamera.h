@@ -4,7 +4,6 @@
 #include "FeatureList.h"
 
 #include <array>
-#include <atomic>
 #include <string>
 
 // An in-memory camera of any size for measuring the tab alone.
@@ -42,16 +41,18 @@ public:
         return m_features;
     }
 
+    // Plain counters: the tab calls from the GUI thread only, and this camera
+    // never calls back from a thread of its own.
     void count(Operation operation)
     {
-        m_calls[operation].fetch_add(1, std::memory_order_relaxed);
+        ++m_calls[size_t(operation)];
     }
     Calls calls() const;
     static const char* operationName(int operation);
 
 private:
     FeatureList m_features;
-    std::array<std::atomic<long>, OperationCount> m_calls{};
+    Calls m_calls{};
 };
 
 #endif

@@ -34,6 +34,7 @@ struct FeaturePoller::State
         bool volatile_ = true; // may change by itself (until known otherwise)
         std::string last;
         std::map<std::string, std::string> bySetting; // selector setting -> state
+        std::vector<const void*> registers;           // what it depends on, sorted
     };
 
     std::mutex mutex;
@@ -150,14 +151,16 @@ void FeaturePoller::State::look(bool baselinesOnly)
         std::string setting;
         std::string now;
         bool isVolatile = true;
+        std::vector<const void*> registers;
         // Takes and releases the device lock.
-        item.second->observe(setting, now, isVolatile);
+        item.second->observe(setting, now, isVolatile, registers);
         std::lock_guard<std::mutex> lock(mutex);
         auto it = entries.find(item.first);
         if (it == entries.end())
             continue;
         Entry& entry = it->second;
         entry.volatile_ = isVolatile;
+        entry.registers.swap(registers);
         auto seen = entry.bySetting.find(setting);
         const bool changed = !entry.baseline && (seen != entry.bySetting.end() ? seen->second : entry.last) != now;
         entry.known = true;
@@ -324,7 +327,7 @@ void FeaturePoller::beforeWrite()
     state->baselines.wait(lock, [&] { return state->stop || state->pendingBaselines == 0; });
 }
 
-void FeaturePoller::afterWrite()
+void FeaturePoller::afterWrite(const std::vector<const void*>* registers)
 {
     bool first = false;
     {
@@ -333,7 +336,14 @@ void FeaturePoller::afterWrite()
         first = !m_state->written;
         m_state->written = true;
         for (auto& item : m_state->entries)
-            item.second.dirty = true;
+        {
+            // Not read yet: what it depends on is not known, so it may depend on anything.
+            const std::vector<const void*>& depends = item.second.registers;
+            if (!registers || !item.second.known ||
+                std::find_first_of(depends.begin(), depends.end(), registers->begin(), registers->end()) !=
+                    depends.end())
+                item.second.dirty = true;
+        }
     }
     // The first write of a burst moves the next look closer; later ones push it on.
     if (first)

@@ -4,6 +4,7 @@
 #include <OrvCPP/OrvCPP.h>
 
 #include <memory>
+#include <vector>
 
 class GenICamFeature;
 
@@ -18,7 +19,8 @@ class GenICamFeature;
 //   made meanwhile waits for that reading, see beforeWrite);
 // - once a period it reads only what can have changed since its last look:
 //   the observed features that are volatile (GenICam IsVolatile or Cachable
-//   NoCache anywhere below them) and, after writes, the observed ones;
+//   NoCache anywhere below them) and, after writes, the observed ones that
+//   share a register node with what was written (pInvalidator links count);
 // - writes only mark the features for the next look, and that look waits
 //   until writes have paused, so a burst of writes (a preset, a tab that
 //   points a selector at each line and back) causes one look, which sees the
@@ -58,9 +60,10 @@ public:
     // waits until features registered for the first time have been read, so
     // that the change is compared with the state before it.
     void beforeWrite();
-    // Called after something may have changed the device: every feature is
+    // Called after something may have changed the device: the features that
+    // depend on one of the registers (sorted; all features when null) are
     // read at the next look, once writes have paused.
-    void afterWrite();
+    void afterWrite(const std::vector<const void*>* registers = nullptr);
 
     struct State;
 

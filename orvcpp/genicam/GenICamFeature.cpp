@@ -111,15 +111,23 @@ template <typename Call> OrvErrorType GenICamFeature::withDevice(Call call)
 template <typename Call> OrvErrorType GenICamFeature::write(Call call)
 {
     m_device->poller().beforeWrite();
+    std::vector<const void*> registers;
+    bool known = false;
     const OrvErrorType code = withDevice(
         [&]() -> OrvErrorType
         {
+            if (!m_dependenciesKnown)
+                findDependencies();
+            registers = m_registers;
+            known = true;
             const OrvErrorType access = checkWritable();
             return access != OrvErrorSuccess ? access : call();
         });
     // A write may change other features too (selectors, locks): the change
-    // poller looks at the observed features once writes pause.
-    m_device->poller().afterWrite();
+    // poller looks at the observed features that share a register with this
+    // one, once writes pause.
+    if (known)
+        m_device->poller().afterWrite(&registers);
     return code;
 }
 
@@ -660,6 +668,8 @@ void GenICamFeature::findDependencies()
             if (name && volatileNodes.count(name))
                 m_volatile = true;
         }
+        if (ARV_IS_GC_REGISTER_NODE(node))
+            m_registers.push_back(node);
         for (ArvDomNode* child = arv_dom_node_get_first_child(node); child;
              child = arv_dom_node_get_next_sibling(child))
         {
@@ -680,10 +690,12 @@ void GenICamFeature::findDependencies()
             pending.push_back(ARV_DOM_NODE(linked));
         }
     }
+    std::sort(m_registers.begin(), m_registers.end());
     m_dependenciesKnown = true;
 }
 
-void GenICamFeature::observe(std::string& setting, std::string& state, bool& isVolatile)
+void GenICamFeature::observe(std::string& setting, std::string& state, bool& isVolatile,
+                             std::vector<const void*>& registers)
 {
     setting.clear();
     {
@@ -691,6 +703,7 @@ void GenICamFeature::observe(std::string& setting, std::string& state, bool& isV
         if (!m_dependenciesKnown)
             findDependencies();
         isVolatile = m_volatile;
+        registers = m_registers;
         if (!m_device->isLost())
         {
             for (ArvGcNode* selector : m_selectorNodes)

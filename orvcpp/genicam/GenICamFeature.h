@@ -64,9 +64,10 @@ public:
     // Value, writability and availability in one text, for change detection.
     std::string stateSnapshot();
     // For the change poller: the setting of the selector registers the feature
-    // is indexed by (pIndex, pAddress), its state as stateSnapshot(), and
-    // whether it can change by itself (a volatile node below it).
-    void observe(std::string& setting, std::string& state, bool& isVolatile);
+    // is indexed by (pIndex, pAddress), its state as stateSnapshot(), whether
+    // it can change by itself (a volatile node below it), and the register
+    // nodes it depends on (sorted; a write to one of them may change it).
+    void observe(std::string& setting, std::string& state, bool& isVolatile, std::vector<const void*>& registers);
 
 private:
     template <typename Call> OrvErrorType withDevice(Call call);
@@ -94,6 +95,7 @@ private:
     bool m_dependenciesKnown = false;
     bool m_volatile = true;
     std::vector<ArvGcNode*> m_selectorNodes;
+    std::vector<const void*> m_registers;
 };
 
 #endif

@@ -690,8 +690,9 @@ private slots:
             {
                 std::string setting, state;
                 bool isVolatile = false;
+                std::vector<const void*> registers;
                 auto* feature = dynamic_cast<GenICamFeature*>(featureNamed(features, name).get());
-                feature->observe(setting, state, isVolatile);
+                feature->observe(setting, state, isVolatile, registers);
                 QCOMPARE(isVolatile, std::string(name) == "LineInverter");
                 QCOMPARE(setting, std::string("0,")); // indexed by LineSelector, at Line0
             }
