@@ -7,6 +7,8 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <set>
+#include <utility>
 
 namespace
 {
@@ -17,6 +19,9 @@ std::atomic<long> guiThread{0};
 std::atomic<long> guiCount{0};
 std::atomic<long> heartbeatCount{0};
 std::atomic<long> otherCount{0};
+// What the GUI thread read (register or memory address, and length), touched
+// by the GUI thread only.
+std::set<std::pair<unsigned long, unsigned>> guiReads;
 
 long threadId()
 {
@@ -25,6 +30,26 @@ long threadId()
 
 // Aravis's heartbeat: a register read of the control channel privilege
 // register (0x0a00), the only register it reads.
+unsigned long word(const unsigned char* bytes)
+{
+    return (unsigned long)bytes[0] << 24 | (unsigned long)bytes[1] << 16 | (unsigned long)bytes[2] << 8 | bytes[3];
+}
+
+// Notes the addresses a read command asks for: READREG (0x0080, addresses of
+// four bytes) and READMEM (0x0084, one address and a length).
+void noteRead(const void* data, size_t length)
+{
+    const auto* bytes = static_cast<const unsigned char*>(data);
+    if (!bytes || length < 12 || bytes[0] != 0x42)
+        return;
+    const unsigned command = unsigned(bytes[2]) << 8 | bytes[3];
+    if (command == 0x0080)
+        for (size_t offset = 8; offset + 4 <= length; offset += 4)
+            guiReads.insert({word(bytes + offset), 4});
+    else if (command == 0x0084 && length >= 16)
+        guiReads.insert({word(bytes + 8), unsigned(bytes[14]) << 8 | bytes[15]});
+}
+
 bool isHeartbeat(const void* data, size_t length)
 {
     const auto* bytes = static_cast<const unsigned char*>(data);
@@ -72,12 +97,25 @@ GvcpCounter::Counts GvcpCounter::counts()
     return {guiCount.load(), heartbeatCount.load(), otherCount.load()};
 }
 
+void GvcpCounter::forgetGuiReads()
+{
+    guiReads.clear();
+}
+
+long GvcpCounter::distinctGuiReads()
+{
+    return long(guiReads.size());
+}
+
 void GvcpCounter::count(const void* data, size_t length)
 {
     if (isHeartbeat(data, length))
         ++heartbeatCount;
     else if (threadId() == guiThread.load())
+    {
         ++guiCount;
+        noteRead(data, length);
+    }
     else
         ++otherCount;
 }

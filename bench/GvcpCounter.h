@@ -32,6 +32,10 @@ public:
     // The calling thread is the GUI thread from now on.
     static void markGuiThread();
     static Counts counts();
+    // How many different registers (address and length) the GUI thread has
+    // read since forgetGuiReads(): what a perfect register cache would send.
+    static void forgetGuiReads();
+    static long distinctGuiReads();
     // Called by the wrappers for every datagram sent to the control port.
     static void count(const void* data, size_t length);
 };

@@ -36,18 +36,21 @@ struct Sample
 {
     double ms = 0.0;
     GvcpCounter::Counts packets;
+    long distinctReads = 0; // different registers among the GUI thread's reads
     QString note;
 };
 
 Sample measure(const std::function<void()>& step)
 {
     const GvcpCounter::Counts before = GvcpCounter::counts();
+    GvcpCounter::forgetGuiReads();
     QElapsedTimer timer;
     timer.start();
     step();
     Sample sample;
     sample.ms = double(timer.nsecsElapsed()) / 1e6;
     sample.packets = GvcpCounter::counts() - before;
+    sample.distinctReads = GvcpCounter::distinctGuiReads();
     return sample;
 }
 
@@ -75,8 +78,8 @@ void printTable(const QString& title, const QVector<Row>& rows, bool packets)
     out << "\n### " << title << "\n\n";
     if (packets)
     {
-        out << "| what | ms | GVCP packets, GUI thread | poller | heartbeat | notes |\n";
-        out << "|---|---:|---:|---:|---:|---|\n";
+        out << "| what | ms | GVCP packets, GUI thread | (different registers) | poller | heartbeat | notes |\n";
+        out << "|---|---:|---:|---:|---:|---:|---|\n";
     }
     else
     {
@@ -86,8 +89,8 @@ void printTable(const QString& title, const QVector<Row>& rows, bool packets)
     {
         out << "| " << row.what << " | " << number(row.sample.ms, 2);
         if (packets)
-            out << " | " << row.sample.packets.gui << " | " << row.sample.packets.other << " | "
-                << row.sample.packets.heartbeat;
+            out << " | " << row.sample.packets.gui << " | " << row.sample.distinctReads << " | "
+                << row.sample.packets.other << " | " << row.sample.packets.heartbeat;
         out << " | " << row.sample.note << " |\n";
     }
     out.flush();
