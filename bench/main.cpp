@@ -180,8 +180,8 @@ QVector<Row> tabSteps(GenICamCamera& camera, int idleSeconds)
 QVector<Row> singleReads(GenICamCamera& camera)
 {
     QVector<Row> rows;
-    const int reads = 200;
-    const int rounds = 7;
+    const int reads = 300;
+    const int rounds = 15;
     const FeatureList features = camera.features();
     for (const char* name : {"TriggerSource", "AcquisitionFrameCount", "LineInverter", "LineSource"})
     {
@@ -330,27 +330,33 @@ void runMemory()
     {
         MemoryCamera camera(size);
         std::unique_ptr<BenchTab> tab;
-        auto step = [&](const QString& what, const std::function<void()>& call)
+        // The fastest of five: the machine's other work only ever adds time.
+        auto step = [&](const QString& what, const std::function<void()>& prepare, const std::function<void()>& call)
         {
-            const MemoryCamera::Calls before = camera.calls();
-            Row row{QStringLiteral("%1 features: %2").arg(size).arg(what), measure(call)};
-            row.sample.note = callsText(camera.calls(), before);
+            Row row{QStringLiteral("%1 features: %2 (fastest of 5)").arg(size).arg(what), {}};
+            for (int round = 0; round < 5; ++round)
+            {
+                prepare();
+                const MemoryCamera::Calls before = camera.calls();
+                const Sample sample = measure(call);
+                if (round == 0 || sample.ms < row.sample.ms)
+                    row.sample = sample;
+                row.sample.note = callsText(camera.calls(), before);
+            }
             rows.append(row);
         };
-        step("build, show and first refresh",
-             [&]
-             {
-                 tab.reset(new BenchTab(camera.features(), nullptr));
-                 tab->show();
-                 tab->stopTimer();
-             });
-        step("full tick",
-             [&]
-             {
-                 tab->markAllChanged();
-                 tab->updateTimer();
-             });
-        step("idle tick", [&] { tab->updateTimer(); });
+        step(
+            "build, show and first refresh", [&] { tab.reset(); },
+            [&]
+            {
+                tab.reset(new BenchTab(camera.features(), nullptr));
+                tab->show();
+                tab->stopTimer();
+            });
+        step(
+            "full tick", [&] { tab->markAllChanged(); }, [&] { tab->updateTimer(); });
+        step(
+            "idle tick", [] {}, [&] { tab->updateTimer(); });
     }
     printTable("In-memory camera (constant cost per call)", rows, false);
 }
