@@ -12,6 +12,15 @@
 #include <vector>
 
 using ObserverPtr = std::shared_ptr<OrvCPP::IFeatureObserver>;
+using Clock = std::chrono::steady_clock;
+
+namespace
+{
+
+// Selector settings remembered per feature; more are not worth keeping.
+constexpr size_t MaxSettings = 64;
+
+} // namespace
 
 struct FeaturePoller::State
 {
@@ -19,15 +28,25 @@ struct FeaturePoller::State
     {
         std::weak_ptr<GenICamFeature> feature;
         std::vector<ObserverPtr> observers;
+        bool known = false;    // read at least once
+        bool dirty = false;    // something was written since the last reading
+        bool baseline = false; // to be read without reporting (registered afresh)
+        bool volatile_ = true; // may change by itself (until known otherwise)
         std::string last;
+        std::map<std::string, std::string> bySetting; // selector setting -> state
+        std::vector<const void*> registers;           // what it depends on, sorted
     };
 
     std::mutex mutex;
-    std::condition_variable wake;      // period over, poll requested or stop
+    std::condition_variable wake;      // period over, first readings wanted, or stop
     std::condition_variable delivered; // a FeatureChanged call has returned
+    std::condition_variable baselines; // no feature waits for its first reading
     std::map<const GenICamFeature*, Entry> entries;
     int periodMs = FeaturePoller::DefaultPeriodMs;
-    bool pollRequested = false;
+    Clock::time_point lastLook = Clock::now();
+    Clock::time_point lastWrite;
+    bool written = false; // since the last look
+    int pendingBaselines = 0;
     std::atomic<bool> stop{false};
     std::thread thread;
     std::thread::id threadId;
@@ -36,7 +55,16 @@ struct FeaturePoller::State
     const OrvCPP::IFeatureObserver* deliveringObserver = nullptr;
 
     static void run(std::shared_ptr<State> self);
-    void pollOnce();
+    // Reads the observed features that need it; baselinesOnly: only those
+    // registered afresh, whose reading is compared with nothing.
+    void look(bool baselinesOnly);
+    void countBaselines();
+    // Writes pause this long before a look (shorter for short periods): longer
+    // than the tab's pauses inside a preset.
+    Clock::duration quietTime() const
+    {
+        return std::chrono::milliseconds(std::min(250, periodMs / 2));
+    }
 };
 
 void FeaturePoller::State::run(std::shared_ptr<State> self)
@@ -47,20 +75,45 @@ void FeaturePoller::State::run(std::shared_ptr<State> self)
     std::unique_lock<std::mutex> lock(self->mutex);
     while (!self->stop)
     {
-        self->wake.wait_for(lock, std::chrono::milliseconds(self->periodMs),
-                            [&] { return self->stop || self->pollRequested; });
-        if (self->stop)
-            break;
-        self->pollRequested = false;
+        if (self->pendingBaselines > 0)
+        {
+            lock.unlock();
+            self->look(true);
+            lock.lock();
+            continue;
+        }
+        // After writes one look once they pause; else one a period (it reads
+        // only volatile features, if any).
+        const Clock::time_point quietAgain = self->lastWrite + self->quietTime();
+        const Clock::time_point due =
+            self->written ? quietAgain
+                          : std::max(self->lastLook + std::chrono::milliseconds(self->periodMs), quietAgain);
+        if (Clock::now() < due)
+        {
+            // Woken early by a new period, a write, a registration or stop: decide again.
+            self->wake.wait_until(lock, due);
+            continue;
+        }
+        self->lastLook = Clock::now();
+        self->written = false;
         lock.unlock();
-        self->pollOnce();
+        self->look(false);
         lock.lock();
     }
 }
 
-void FeaturePoller::State::pollOnce()
+void FeaturePoller::State::countBaselines()
 {
-    std::vector<std::pair<const GenICamFeature*, std::shared_ptr<GenICamFeature>>> observed;
+    pendingBaselines =
+        int(std::count_if(entries.begin(), entries.end(),
+                          [](const auto& item) { return item.second.baseline && !item.second.observers.empty(); }));
+    if (pendingBaselines == 0)
+        baselines.notify_all();
+}
+
+void FeaturePoller::State::look(bool baselinesOnly)
+{
+    std::vector<std::pair<const GenICamFeature*, std::shared_ptr<GenICamFeature>>> toRead;
     {
         std::lock_guard<std::mutex> lock(mutex);
         for (auto it = entries.begin(); it != entries.end();)
@@ -71,7 +124,15 @@ void FeaturePoller::State::pollOnce()
                 it = entries.erase(it);
                 continue;
             }
-            observed.emplace_back(it->first, std::move(feature));
+            Entry& entry = it->second;
+            const bool wanted = !entry.observers.empty() &&
+                                (baselinesOnly ? entry.baseline : entry.baseline || entry.dirty || entry.volatile_);
+            if (wanted)
+            {
+                // A write from now on marks it again for the next look.
+                entry.dirty = false;
+                toRead.emplace_back(it->first, std::move(feature));
+            }
             ++it;
         }
     }
@@ -83,18 +144,37 @@ void FeaturePoller::State::pollOnce()
         std::vector<ObserverPtr> observers;
     };
     std::vector<Change> changes;
-    for (auto& item : observed)
+    for (auto& item : toRead)
     {
         if (stop)
             return;
+        std::string setting;
+        std::string now;
+        bool isVolatile = true;
+        std::vector<const void*> registers;
         // Takes and releases the device lock.
-        const std::string now = item.second->stateSnapshot();
+        item.second->observe(setting, now, isVolatile, registers);
         std::lock_guard<std::mutex> lock(mutex);
         auto it = entries.find(item.first);
-        if (it == entries.end() || it->second.last == now)
+        if (it == entries.end())
             continue;
-        it->second.last = now;
-        changes.push_back({item.first, item.second, it->second.observers});
+        Entry& entry = it->second;
+        entry.volatile_ = isVolatile;
+        entry.registers.swap(registers);
+        auto seen = entry.bySetting.find(setting);
+        const bool changed = !entry.baseline && (seen != entry.bySetting.end() ? seen->second : entry.last) != now;
+        entry.known = true;
+        entry.baseline = false;
+        entry.last = now;
+        if (seen == entry.bySetting.end() && entry.bySetting.size() >= MaxSettings)
+            entry.bySetting.clear();
+        entry.bySetting[setting] = now;
+        if (changed)
+            changes.push_back({item.first, item.second, entry.observers});
+    }
+    {
+        std::lock_guard<std::mutex> lock(mutex);
+        countBaselines();
     }
 
     for (const Change& change : changes)
@@ -141,6 +221,7 @@ FeaturePoller::~FeaturePoller()
     }
     m_state->wake.notify_all();
     m_state->delivered.notify_all();
+    m_state->baselines.notify_all();
     if (thread.joinable())
     {
         if (thread.get_id() == std::this_thread::get_id())
@@ -170,19 +251,6 @@ OrvErrorType FeaturePoller::registerObserver(const std::shared_ptr<GenICamFeatur
 {
     if (!feature || !observer)
         return OrvErrorBadParameter;
-    {
-        std::lock_guard<std::mutex> lock(m_state->mutex);
-        auto it = m_state->entries.find(feature.get());
-        if (it != m_state->entries.end())
-        {
-            auto& observers = it->second.observers;
-            if (std::find(observers.begin(), observers.end(), observer) != observers.end())
-                return OrvErrorInvalidCall;
-        }
-    }
-    // The reading to compare with: changes from now on are reported.
-    const std::string now = feature->stateSnapshot();
-
     std::lock_guard<std::mutex> lock(m_state->mutex);
     if (m_state->stop)
         return OrvErrorDeviceLost;
@@ -191,13 +259,22 @@ OrvErrorType FeaturePoller::registerObserver(const std::shared_ptr<GenICamFeatur
     {
         State::Entry entry;
         entry.feature = feature;
-        entry.last = now;
         it = m_state->entries.emplace(feature.get(), std::move(entry)).first;
     }
-    auto& observers = it->second.observers;
+    State::Entry& entry = it->second;
+    auto& observers = entry.observers;
     if (std::find(observers.begin(), observers.end(), observer) != observers.end())
-        return OrvErrorInvalidCall; // registered by another thread meanwhile
+        return OrvErrorInvalidCall;
+    // Changes from now on are reported: a feature never read, or written while
+    // nobody observed it, is read soon on the poller's thread and compared
+    // from then on. Otherwise what was last seen still holds.
+    if (observers.empty() && (!entry.known || entry.dirty))
+    {
+        entry.baseline = true;
+        m_state->wake.notify_all();
+    }
     observers.push_back(observer);
+    m_state->countBaselines();
     if (!m_state->thread.joinable())
     {
         m_state->thread = std::thread(&State::run, m_state);
@@ -218,9 +295,9 @@ OrvErrorType FeaturePoller::unregisterObserver(const GenICamFeature* feature, co
     auto found = std::find(observers.begin(), observers.end(), observer);
     if (found == observers.end())
         return OrvErrorInvalidCall;
+    // The entry stays, with what the feature last looked like, for the next registration.
     observers.erase(found);
-    if (observers.empty())
-        m_state->entries.erase(it);
+    m_state->countBaselines();
 
     if (std::this_thread::get_id() != m_state->threadId)
     {
@@ -234,13 +311,41 @@ OrvErrorType FeaturePoller::unregisterObserver(const GenICamFeature* feature, co
     return OrvErrorSuccess;
 }
 
-void FeaturePoller::requestPoll()
+void FeaturePoller::beforeWrite()
 {
+    std::unique_lock<std::mutex> lock(m_state->mutex);
+    if (m_state->pendingBaselines == 0)
+        return;
+    if (std::this_thread::get_id() == m_state->threadId)
+    {
+        // An observer writing from FeatureChanged: read them here.
+        lock.unlock();
+        m_state->look(true);
+        return;
+    }
+    State* state = m_state.get();
+    state->baselines.wait(lock, [&] { return state->stop || state->pendingBaselines == 0; });
+}
+
+void FeaturePoller::afterWrite(const std::vector<const void*>* registers)
+{
+    bool first = false;
     {
         std::lock_guard<std::mutex> lock(m_state->mutex);
-        if (m_state->entries.empty())
-            return;
-        m_state->pollRequested = true;
+        m_state->lastWrite = Clock::now();
+        first = !m_state->written;
+        m_state->written = true;
+        for (auto& item : m_state->entries)
+        {
+            // Not read yet: what it depends on is not known, so it may depend on anything.
+            const std::vector<const void*>& depends = item.second.registers;
+            if (!registers || !item.second.known ||
+                std::find_first_of(depends.begin(), depends.end(), registers->begin(), registers->end()) !=
+                    depends.end())
+                item.second.dirty = true;
+        }
     }
-    m_state->wake.notify_all();
+    // The first write of a burst moves the next look closer; later ones push it on.
+    if (first)
+        m_state->wake.notify_all();
 }

@@ -4,21 +4,37 @@
 #include <OrvCPP/OrvCPP.h>
 
 #include <memory>
+#include <vector>
 
 class GenICamFeature;
 
 // The notification thread of one device.
 //
-// Keeps the observers registered per feature, reads the observed features
-// every period (and at once after a write, see requestPoll) and calls
-// FeatureChanged for every feature whose value, writability or availability
-// differs from the last reading. Only features with observers are read.
+// Keeps the observers registered per feature and calls FeatureChanged for
+// every observed feature whose value, writability or availability differs
+// from what it last saw. It spends the camera's link sparingly:
+// - registering and unregistering reach no register: what a feature looked
+//   like is kept for as long as the feature lives, observed or not, and a
+//   feature observed for the first time is read once by this thread (a write
+//   made meanwhile waits for that reading, see beforeWrite);
+// - once a period it reads only what can have changed since its last look:
+//   the observed features that are volatile (GenICam IsVolatile or Cachable
+//   NoCache anywhere below them) and, after writes, the observed ones that
+//   share a register node with what was written (pInvalidator links count);
+// - writes only mark the features for the next look, and that look waits
+//   until writes have paused, so a burst of writes (a preset, a tab that
+//   points a selector at each line and back) causes one look, which sees the
+//   settled state;
+// - each feature's state is remembered per setting of the selector registers
+//   it is indexed by, and compared with the state last seen under the same
+//   setting (or, for a setting not seen before, with the last state).
 // FeatureChanged runs on the poller's thread with no lock of the backend held.
 // The thread starts with the first registration.
 class FeaturePoller
 {
 public:
-    static constexpr int DefaultPeriodMs = 250;
+    // The tab consumes changes once a second.
+    static constexpr int DefaultPeriodMs = 1000;
 
     FeaturePoller();
     ~FeaturePoller();
@@ -40,8 +56,14 @@ public:
     OrvErrorType unregisterObserver(const GenICamFeature* feature,
                                     const std::shared_ptr<OrvCPP::IFeatureObserver>& observer);
 
-    // Reads the observed features as soon as possible, without waiting for the period.
-    void requestPoll();
+    // Called before anything may change the device (without the device lock):
+    // waits until features registered for the first time have been read, so
+    // that the change is compared with the state before it.
+    void beforeWrite();
+    // Called after something may have changed the device: the features that
+    // depend on one of the registers (sorted; all features when null) are
+    // read at the next look, once writes have paused.
+    void afterWrite(const std::vector<const void*>* registers = nullptr);
 
     struct State;
 

@@ -271,7 +271,13 @@ bool GenICamCamera::withAravisDevice(const std::function<void(ArvDevice*)>& call
 {
     if (!m_device || !call)
         return false;
-    std::lock_guard<std::mutex> lock(m_device->lock());
-    call(m_device->device());
+    // The call may change the device behind the features' back: the change
+    // poller treats it as a write.
+    m_device->poller().beforeWrite();
+    {
+        std::lock_guard<std::mutex> lock(m_device->lock());
+        call(m_device->device());
+    }
+    m_device->poller().afterWrite();
     return true;
 }

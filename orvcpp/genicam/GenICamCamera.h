@@ -55,7 +55,7 @@ public:
     // in category order (depth first, as the XML lists them). Empty when not open.
     FeatureList features() const;
 
-    // Period of the change notifications (default 250 ms).
+    // Period of the change notifications (default 1000 ms).
     void setPollPeriod(int milliseconds);
     int pollPeriod() const;
 

@@ -4,6 +4,10 @@
 
 #include <arv.h>
 
+#include <QXmlStreamReader>
+
+#include <vector>
+
 namespace
 {
 
@@ -118,4 +122,42 @@ OrvErrorType GenICamDevice::takeError(GError* error)
     }
     g_error_free(error);
     return code;
+}
+
+const std::set<std::string>& GenICamDevice::volatileNodes()
+{
+    if (m_volatileNodes)
+        return *m_volatileNodes;
+    m_volatileNodes.reset(new std::set<std::string>);
+    size_t size = 0;
+    const char* xml = arv_device_get_genicam_xml(m_device, &size);
+    if (!xml)
+        return *m_volatileNodes;
+    // The nodes are the elements with a Name; their properties are child elements.
+    QXmlStreamReader reader(QByteArray::fromRawData(xml, int(size)));
+    std::vector<std::string> names;
+    while (!reader.atEnd())
+    {
+        reader.readNext();
+        if (reader.isStartElement())
+        {
+            const QStringRef element = reader.name();
+            const bool volatileMark = element == QLatin1String("IsVolatile") || element == QLatin1String("Cachable") ||
+                                      element == QLatin1String("PollingTime");
+            if (volatileMark && !names.empty() && !names.back().empty())
+            {
+                const QString text = reader.readElementText().trimmed();
+                if (element == QLatin1String("PollingTime") || text == QLatin1String("Yes") ||
+                    text == QLatin1String("NoCache"))
+                    m_volatileNodes->insert(names.back());
+                continue; // readElementText has consumed the end element
+            }
+            names.push_back(reader.attributes().value(QLatin1String("Name")).toString().toStdString());
+        }
+        else if (reader.isEndElement() && !names.empty())
+        {
+            names.pop_back();
+        }
+    }
+    return *m_volatileNodes;
 }

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <memory>
 #include <mutex>
+#include <set>
 #include <string>
 
 typedef struct _ArvDevice ArvDevice;
@@ -60,6 +61,11 @@ public:
         m_lost.store(true);
     }
 
+    // Names of the nodes whose value may change by itself (IsVolatile Yes,
+    // Cachable NoCache or a PollingTime in the device's GenICam description).
+    // Read from the description at the first call; expects lock() held.
+    const std::set<std::string>& volatileNodes();
+
     // Maps an Aravis error to the camera API's code and frees it; marks the
     // device lost when the error says the device no longer answers.
     // A null error maps to OrvErrorSuccess.
@@ -73,6 +79,7 @@ private:
     std::atomic<bool> m_lost{false};
     unsigned long m_controlLostHandler = 0;
     std::unique_ptr<FeaturePoller> m_poller;
+    std::unique_ptr<std::set<std::string>> m_volatileNodes;
 };
 
 #endif

@@ -5,10 +5,12 @@
 
 #include <arv.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <cstdio>
 #include <limits>
+#include <set>
 #include <vector>
 
 namespace
@@ -108,16 +110,24 @@ template <typename Call> OrvErrorType GenICamFeature::withDevice(Call call)
 
 template <typename Call> OrvErrorType GenICamFeature::write(Call call)
 {
+    m_device->poller().beforeWrite();
+    std::vector<const void*> registers;
+    bool known = false;
     const OrvErrorType code = withDevice(
         [&]() -> OrvErrorType
         {
+            if (!m_dependenciesKnown)
+                findDependencies();
+            registers = m_registers;
+            known = true;
             const OrvErrorType access = checkWritable();
             return access != OrvErrorSuccess ? access : call();
         });
-    // A write may change other features too (selectors, locks): let the
-    // observers know without waiting for the next period.
-    if (code == OrvErrorSuccess)
-        m_device->poller().requestPoll();
+    // A write may change other features too (selectors, locks): the change
+    // poller looks at the observed features that share a register with this
+    // one, once writes pause.
+    if (known)
+        m_device->poller().afterWrite(&registers);
     return code;
 }
 
@@ -635,6 +645,79 @@ OrvErrorType GenICamFeature::RegisterObserver(const OrvCPP::shared_ptr<OrvCPP::I
 OrvErrorType GenICamFeature::UnregisterObserver(const OrvCPP::shared_ptr<OrvCPP::IFeatureObserver>& observer)
 {
     return m_device->poller().unregisterObserver(this, observer);
+}
+
+void GenICamFeature::findDependencies()
+{
+    // Everything the value, the access and the entries hang on: property
+    // nodes link to other nodes, enumeration entries are children. The DOM is
+    // only read; no register is touched.
+    const std::set<std::string>& volatileNodes = m_device->volatileNodes();
+    std::set<ArvDomNode*> visited;
+    std::vector<ArvDomNode*> pending{ARV_DOM_NODE(m_node)};
+    m_volatile = false;
+    while (!pending.empty())
+    {
+        ArvDomNode* node = pending.back();
+        pending.pop_back();
+        if (!node || ARV_IS_GC_PORT(node) || !visited.insert(node).second)
+            continue;
+        if (ARV_IS_GC_FEATURE_NODE(node))
+        {
+            const char* name = arv_gc_feature_node_get_name(ARV_GC_FEATURE_NODE(node));
+            if (name && volatileNodes.count(name))
+                m_volatile = true;
+        }
+        if (ARV_IS_GC_REGISTER_NODE(node))
+            m_registers.push_back(node);
+        for (ArvDomNode* child = arv_dom_node_get_first_child(node); child;
+             child = arv_dom_node_get_next_sibling(child))
+        {
+            if (!ARV_IS_GC_PROPERTY_NODE(child))
+            {
+                pending.push_back(child);
+                continue;
+            }
+            auto* property = ARV_GC_PROPERTY_NODE(child);
+            const ArvGcPropertyNodeType type = arv_gc_property_node_get_node_type(property);
+            if (type <= ARV_GC_PROPERTY_NODE_TYPE_P_UNKNONW)
+                continue;
+            ArvGcNode* linked = arv_gc_property_node_get_linked_node(property);
+            if ((type == ARV_GC_PROPERTY_NODE_TYPE_P_INDEX || type == ARV_GC_PROPERTY_NODE_TYPE_P_ADDRESS) &&
+                ARV_IS_GC_INTEGER(linked) &&
+                std::find(m_selectorNodes.begin(), m_selectorNodes.end(), linked) == m_selectorNodes.end())
+                m_selectorNodes.push_back(linked);
+            pending.push_back(ARV_DOM_NODE(linked));
+        }
+    }
+    std::sort(m_registers.begin(), m_registers.end());
+    m_dependenciesKnown = true;
+}
+
+void GenICamFeature::observe(std::string& setting, std::string& state, bool& isVolatile,
+                             std::vector<const void*>& registers)
+{
+    setting.clear();
+    {
+        std::lock_guard<std::mutex> lock(m_device->lock());
+        if (!m_dependenciesKnown)
+            findDependencies();
+        isVolatile = m_volatile;
+        registers = m_registers;
+        if (!m_device->isLost())
+        {
+            for (ArvGcNode* selector : m_selectorNodes)
+            {
+                GError* error = nullptr;
+                const gint64 value = arv_gc_integer_get_value(ARV_GC_INTEGER(selector), &error);
+                setting += error ? std::string("?") : std::to_string(static_cast<long long>(value));
+                setting += ',';
+                if (error)
+                    m_device->takeError(error);
+            }
+        }
+    }
+    state = stateSnapshot();
 }
 
 std::string GenICamFeature::stateSnapshot()

@@ -5,9 +5,11 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 class GenICamDevice;
 typedef struct _ArvGcFeatureNode ArvGcFeatureNode;
+typedef struct _ArvGcNode ArvGcNode;
 
 // One GenICam feature node of an Aravis device as a camera API feature.
 //
@@ -61,6 +63,11 @@ public:
 
     // Value, writability and availability in one text, for change detection.
     std::string stateSnapshot();
+    // For the change poller: the setting of the selector registers the feature
+    // is indexed by (pIndex, pAddress), its state as stateSnapshot(), whether
+    // it can change by itself (a volatile node below it), and the register
+    // nodes it depends on (sorted; a write to one of them may change it).
+    void observe(std::string& setting, std::string& state, bool& isVolatile, std::vector<const void*>& registers);
 
 private:
     template <typename Call> OrvErrorType withDevice(Call call);
@@ -76,6 +83,7 @@ private:
     OrvErrorType findEntry(const char* value, ArvGcFeatureNode*& entry);
     OrvErrorType writeInteger(long long value);
     OrvErrorType writeFloat(double value);
+    void findDependencies();
 
     std::shared_ptr<GenICamDevice> m_device;
     ArvGcFeatureNode* m_node;
@@ -83,6 +91,11 @@ private:
     std::string m_name;
     std::string m_displayName;
     std::string m_category;
+    // Found at the first observe(), with the device lock held.
+    bool m_dependenciesKnown = false;
+    bool m_volatile = true;
+    std::vector<ArvGcNode*> m_selectorNodes;
+    std::vector<const void*> m_registers;
 };
 
 #endif

@@ -1,6 +1,7 @@
 // Aravis (gio) before Qt: gio uses "signals" as a name, Qt as a keyword.
 #include <arv.h>
 
+#include "GenICamFeature.h"
 #include "GenICamTestSupport.h"
 #include "ReviewedRecord.h"
 
@@ -381,6 +382,104 @@ private slots:
         QCOMPARE(featureNamed(features, "LineSource")->UnregisterObserver(observer), OrvErrorType(OrvErrorSuccess));
         QCOMPARE(featureNamed(features, "UserOutputValue")->UnregisterObserver(observer),
                  OrvErrorType(OrvErrorSuccess));
+    }
+
+    void observingSparesTheLink_data()
+    {
+        QTest::addColumn<QStringList>("observed");
+        QTest::addColumn<QString>("change");
+        QTest::addColumn<QStringList>("reported");
+        const QStringList lines{"LineSelector", "LineSource", "LineMode", "LineInverter", "LineStatus"};
+        QTest::newRow("select, read and restore") << lines << "each line" << QStringList();
+        QTest::newRow("another line's value") << lines << "Line2 register" << QStringList();
+        const QStringList inverter{"LineSelector", "LineInverter"};
+        QTest::newRow("selector left on that line") << inverter << "Line2 register, select Line2" << inverter;
+        QTest::newRow("volatile register") << QStringList{"LineInverter", "LineSource"} << "volatile" << QStringList();
+    }
+
+    // Registration and unregistration reach no register; a look sees the
+    // settled state and compares each value with the one seen under the same
+    // selector setting.
+    void observingSparesTheLink()
+    {
+        QFETCH(QStringList, observed);
+        QFETCH(QString, change);
+        QFETCH(QStringList, reported);
+        QTemporaryDir dir;
+        QString model = modelPath("line-camera.xml");
+        if (change == "volatile")
+        {
+            QFile file(model);
+            QVERIFY(file.open(QIODevice::ReadOnly));
+            QByteArray xml = file.readAll();
+            xml.replace("<Address>0x1130</Address>", "<Address>0x1130</Address><Cachable>NoCache</Cachable>");
+            model = dir.filePath("volatile.xml");
+            QFile out(model);
+            QVERIFY(out.open(QIODevice::WriteOnly) && out.write(xml) == xml.size());
+        }
+        GenICamCamera camera;
+        QVERIFY(camera.open(GenICamCamera::FakePrefix + model) == OrvErrorSuccess);
+        camera.setPollPeriod(400);
+        const FeatureList features = camera.features();
+        auto observer = std::make_shared<RecordingObserver>();
+
+        // With the device held by this very thread: a registration that
+        // touched the device would never return.
+        camera.withAravisDevice(
+            [&](ArvDevice*)
+            {
+                for (const QString& name : observed)
+                {
+                    const FeaturePtr feature = featureNamed(features, name.toStdString());
+                    QCOMPARE(feature->RegisterObserver(observer), OrvErrorType(OrvErrorSuccess));
+                    QCOMPARE(feature->UnregisterObserver(observer), OrvErrorType(OrvErrorSuccess));
+                    QCOMPARE(feature->RegisterObserver(observer), OrvErrorType(OrvErrorSuccess));
+                }
+            });
+
+        const FeaturePtr selector = featureNamed(features, "LineSelector");
+        if (change == "each line")
+        {
+            // The tab's way of reading one line after the other.
+            const std::string saved = textOf(selector);
+            for (const char* line : {"Line0", "Line1", "Line2", "Line3"})
+            {
+                QCOMPARE(selector->SetValue(line), OrvErrorType(OrvErrorSuccess));
+                textOf(featureNamed(features, "LineSource"));
+                textOf(featureNamed(features, "LineMode"));
+            }
+            QCOMPARE(selector->SetValue(saved.c_str()), OrvErrorType(OrvErrorSuccess));
+        }
+        else if (change.startsWith("Line2 register"))
+        {
+            writeRegister(camera, 0x1138, 1); // LineInverter of Line2
+            if (change.endsWith("select Line2"))
+                QCOMPARE(selector->SetValue("Line2"), OrvErrorType(OrvErrorSuccess));
+            QCOMPARE(textOf(featureNamed(features, "LineInverter")),
+                     std::string(change.endsWith("Line2") ? "true" : "false"));
+        }
+        else
+        {
+            // Read on every look: a NoCache register below it; another feature is not.
+            for (const char* name : {"LineInverter", "LineSource"})
+            {
+                std::string setting, state;
+                bool isVolatile = false;
+                std::vector<const void*> registers;
+                auto* feature = dynamic_cast<GenICamFeature*>(featureNamed(features, name).get());
+                feature->observe(setting, state, isVolatile, registers);
+                QCOMPARE(isVolatile, std::string(name) == "LineInverter");
+                QCOMPARE(setting, std::string("0,")); // indexed by LineSelector, at Line0
+            }
+        }
+        QTest::qWait(1000);
+        QStringList names = observer->names();
+        names.sort();
+        reported.sort();
+        QCOMPARE(names, reported);
+        for (const QString& name : observed)
+            QCOMPARE(featureNamed(features, name.toStdString())->UnregisterObserver(observer),
+                     OrvErrorType(OrvErrorSuccess));
     }
 
     void featuresOutliveTheCamera()

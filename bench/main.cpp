@@ -1,0 +1,402 @@
+// Aravis (through GLib) before Qt: it uses words that Qt defines as keywords.
+#include "FakeGigEServer.h"
+
+#include "BenchTab.h"
+#include "GvcpCounter.h"
+#include "MemoryCamera.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QFileInfo>
+#include <QTextStream>
+
+#include <cstdio>
+#include <functional>
+#include <memory>
+
+// What the Trigger IO tab and the GenICam backend cost the camera's link:
+// wall time and GigE Vision control packets by thread for each step of a
+// tab's life, on the three demo models over loopback GigE Vision and on the
+// in-process fake device, and the tab's own cost on in-memory cameras of
+// 100 to 10,000 features.
+//
+//   triggerio-bench [--idle SECONDS] [--only gige|fake|memory] [--models line,syncout,routing]
+//
+// Run it under `flock /tmp/triggerio-gige.lock` when other programs use the
+// loopback GigE Vision port.
+
+namespace
+{
+
+QTextStream out(stdout);
+
+struct Sample
+{
+    double ms = 0.0;
+    GvcpCounter::Counts packets;
+    long distinctReads = 0; // different registers among the GUI thread's reads
+    QString note;
+};
+
+Sample measure(const std::function<void()>& step)
+{
+    const GvcpCounter::Counts before = GvcpCounter::counts();
+    GvcpCounter::forgetGuiReads();
+    QElapsedTimer timer;
+    timer.start();
+    step();
+    Sample sample;
+    sample.ms = double(timer.nsecsElapsed()) / 1e6;
+    sample.packets = GvcpCounter::counts() - before;
+    sample.distinctReads = GvcpCounter::distinctGuiReads();
+    return sample;
+}
+
+// Lets the event loop run: queued notifications arrive, timers tick.
+void runEvents(int milliseconds)
+{
+    QEventLoop loop;
+    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+QString number(double value, int decimals = 1)
+{
+    return QString::number(value, 'f', decimals);
+}
+
+struct Row
+{
+    QString what;
+    Sample sample;
+};
+
+void printTable(const QString& title, const QVector<Row>& rows, bool packets)
+{
+    out << "\n### " << title << "\n\n";
+    if (packets)
+    {
+        out << "| what | ms | GVCP packets, GUI thread | (different registers) | poller | heartbeat | notes |\n";
+        out << "|---|---:|---:|---:|---:|---:|---|\n";
+    }
+    else
+    {
+        out << "| what | ms | notes |\n|---|---:|---|\n";
+    }
+    for (const Row& row : rows)
+    {
+        out << "| " << row.what << " | " << number(row.sample.ms, 2);
+        if (packets)
+            out << " | " << row.sample.packets.gui << " | " << row.sample.distinctReads << " | "
+                << row.sample.packets.other << " | " << row.sample.packets.heartbeat;
+        out << " | " << row.sample.note << " |\n";
+    }
+    out.flush();
+}
+
+QString echoNote(const QStringList& names)
+{
+    return names.isEmpty() ? QStringLiteral("changed list empty")
+                           : QStringLiteral("echo: %1 names (%2)").arg(names.size()).arg(names.join(' '));
+}
+
+// Waits for the backend's follow-up look after the last write and runs the tick that follows.
+Row tickAfter(BenchTab& tab, const QString& what)
+{
+    runEvents(1600);
+    const QStringList echo = tab.changed();
+    Row row{what, measure([&] { tab.updateTimer(); })};
+    row.sample.note = echoNote(echo);
+    return row;
+}
+
+// Every step of the tab's life on one opened camera.
+QVector<Row> tabSteps(GenICamCamera& camera, int idleSeconds)
+{
+    QVector<Row> rows;
+    std::unique_ptr<BenchTab> tab;
+    const FeatureList features = camera.features();
+    rows.append({"tab build and show", measure(
+                                           [&]
+                                           {
+                                               tab.reset(new BenchTab(features, nullptr));
+                                               tab->show();
+                                               tab->stopTimer();
+                                           })});
+    rows.append({"first tick", measure([&] { tab->updateTimer(); })});
+    rows.append(tickAfter(*tab, "next tick after build"));
+    tab->markAllChanged();
+    rows.append({"full tick (all observed names changed)", measure([&] { tab->updateTimer(); })});
+    rows.append(tickAfter(*tab, "next tick after a full tick"));
+    tab->clearChanged();
+    rows.append({"idle tick (nothing changed)", measure([&] { tab->updateTimer(); })});
+
+    QComboBox* activation = tab->m_pComboTriggerActivation;
+    if (activation && activation->isEnabled() && activation->count() > 1)
+    {
+        Row edit{"one edit (trigger activation)",
+                 measure([&] { activation->setCurrentIndex((activation->currentIndex() + 1) % activation->count()); })};
+        rows.append(edit);
+        Row after{"after the edit, 1.6 s", measure([&] { runEvents(1600); })};
+        const QStringList echo = tab->changed();
+        after.sample.note = echoNote(echo);
+        rows.append(after);
+        rows.append({"next tick after the edit", measure([&] { tab->updateTimer(); })});
+    }
+
+    const QVector<QPair<QString, void (IOTriggerWidget::*)()>> presets{{"preset Edge", &IOTriggerWidget::OnEdgeMode},
+                                                                       {"preset Level", &IOTriggerWidget::OnLevelMode},
+                                                                       {"preset Bulk", &IOTriggerWidget::OnBulkMode}};
+    for (const auto& preset : presets)
+    {
+        rows.append({preset.first, measure([&] { (tab.get()->*preset.second)(); })});
+        tab->stopTimer();
+        rows.append(tickAfter(*tab, "next tick after " + preset.first));
+    }
+
+    tab->clearChanged();
+    tab->startTimer();
+    runEvents(1500);
+    Row shown{"idle, tab shown, per second", measure([&] { runEvents(idleSeconds * 1000); })};
+    tab->hide();
+    runEvents(1500);
+    Row hidden{"idle, tab hidden, per second", measure([&] { runEvents(idleSeconds * 1000); })};
+    for (Row* row : {&shown, &hidden})
+    {
+        row->sample.note = QStringLiteral("%1 packets in %2 s").arg(row->sample.packets.total()).arg(idleSeconds);
+        row->sample.ms /= idleSeconds;
+        row->sample.packets.gui /= idleSeconds;
+        row->sample.packets.other /= idleSeconds;
+        row->sample.packets.heartbeat /= idleSeconds;
+        rows.append(*row);
+    }
+    tab.reset();
+    return rows;
+}
+
+// One feature read through the backend and the same read straight through Aravis.
+QVector<Row> singleReads(GenICamCamera& camera)
+{
+    QVector<Row> rows;
+    const int reads = 300;
+    const int rounds = 15;
+    const FeatureList features = camera.features();
+    for (const char* name : {"TriggerSource", "AcquisitionFrameCount", "LineInverter", "LineSource"})
+    {
+        OrvCPP::shared_ptr<OrvCPP::Feature> feature;
+        for (const auto& candidate : *features)
+        {
+            std::string featureName;
+            if (candidate->GetName(featureName) == OrvErrorSuccess && featureName == name)
+                feature = candidate;
+        }
+        if (!feature)
+            continue;
+        OrvFeatureDataType type = OrvFeatureDataUnknown;
+        feature->GetDataType(type);
+        auto readThroughBackend = [&]
+        {
+            for (int i = 0; i < reads; ++i)
+            {
+                std::string value;
+                feature->GetValue(value);
+            }
+        };
+        auto readThroughAravis = [&]
+        {
+            camera.withAravisDevice(
+                [&](ArvDevice* device)
+                {
+                    ArvGcNode* node = arv_device_get_feature(device, name);
+                    for (int i = 0; i < reads; ++i)
+                    {
+                        GError* error = nullptr;
+                        if (type == OrvFeatureDataEnum)
+                            arv_gc_enumeration_get_string_value(ARV_GC_ENUMERATION(node), &error);
+                        else if (type == OrvFeatureDataBool)
+                            arv_gc_boolean_get_value(ARV_GC_BOOLEAN(node), &error);
+                        else
+                            arv_gc_integer_get_value(ARV_GC_INTEGER(node), &error);
+                        if (error)
+                            g_error_free(error);
+                    }
+                });
+        };
+        // Alternating rounds, the fastest of each kept: the loopback's noise is
+        // larger than the difference looked for.
+        Row backend{QStringLiteral("read %1 through the backend (%2 reads)").arg(name).arg(reads), {}};
+        Row direct{QStringLiteral("read %1 straight through Aravis (%2 reads)").arg(name).arg(reads), {}};
+        for (int round = 0; round < rounds; ++round)
+        {
+            const Sample viaBackend = measure(readThroughBackend);
+            const Sample viaAravis = measure(readThroughAravis);
+            if (round == 0 || viaBackend.ms < backend.sample.ms)
+                backend.sample = viaBackend;
+            if (round == 0 || viaAravis.ms < direct.sample.ms)
+                direct.sample = viaAravis;
+        }
+        for (Row* row : {&backend, &direct})
+            row->sample.note = QStringLiteral("%1 ms and %2 packets per read")
+                                   .arg(number(row->sample.ms / reads, 3))
+                                   .arg(double(row->sample.packets.gui) / reads);
+        backend.sample.note +=
+            QStringLiteral(", time ratio %1").arg(number(backend.sample.ms / std::max(direct.sample.ms, 1e-9), 2));
+        rows << backend << direct;
+    }
+    return rows;
+}
+
+void runModel(const QString& model, bool gige, int idleSeconds)
+{
+    const QString path = QStringLiteral(TRIGGERIO_CAMERAS_DIR) + "/" + model;
+    GenICamCamera camera;
+    FakeGigEServer server;
+    QString id = GenICamCamera::FakePrefix + path;
+    if (gige)
+    {
+        QString error;
+        if (!server.startAndOpen(path, camera, &error))
+        {
+            out << "\n" << model << " over loopback GigE Vision: not run (" << error << ")\n";
+            return;
+        }
+        camera.close();
+        id = QStringLiteral("127.0.0.1");
+    }
+    QVector<Row> rows;
+    rows.append({"open", measure([&] { camera.open(id); })});
+    if (gige && FakeGigEServer::serialOf(camera) != server.serial())
+    {
+        out << "\n" << model << ": another program's camera answered on 127.0.0.1; not run\n";
+        return;
+    }
+    // Small frames, as for a viewer on the loopback interface.
+    for (const auto& feature : *camera.features())
+    {
+        std::string name;
+        feature->GetName(name);
+        if (name == "Width" || name == "Height")
+            feature->SetValue(64LL);
+    }
+    runEvents(200);
+    rows += tabSteps(camera, idleSeconds);
+    if (gige && model == "line-camera.xml")
+        rows += singleReads(camera);
+    printTable(model + (gige ? " over loopback GigE Vision" : " on the in-process fake device"), rows, gige);
+}
+
+QString callsText(const MemoryCamera::Calls& after, const MemoryCamera::Calls& before)
+{
+    QStringList parts;
+    long total = 0;
+    for (int i = 0; i < MemoryCamera::OperationCount; ++i)
+    {
+        const long calls = after[size_t(i)] - before[size_t(i)];
+        total += calls;
+        if (calls)
+            parts << QStringLiteral("%1 %2").arg(MemoryCamera::operationName(i)).arg(calls);
+    }
+    return QStringLiteral("%1 calls: %2").arg(total).arg(parts.join(", "));
+}
+
+void runMemory()
+{
+    QVector<Row> rows;
+    {
+        // Qt's first widgets (fonts, styles) are not the tab's cost.
+        MemoryCamera warmUp(100);
+        BenchTab tab(warmUp.features(), nullptr);
+        tab.show();
+    }
+    {
+        // What the camera's own calls cost: a GetName, the most frequent one.
+        MemoryCamera camera(1000);
+        const auto feature = camera.features()->at(500);
+        const int calls = 1000000;
+        Row row{"1000 features: the camera's own cost of one GetName call", measure(
+                                                                                [&]
+                                                                                {
+                                                                                    std::string name;
+                                                                                    for (int i = 0; i < calls; ++i)
+                                                                                        feature->GetName(name);
+                                                                                })};
+        row.sample.note = QStringLiteral("%1 ns per call").arg(number(row.sample.ms * 1e6 / calls, 1));
+        row.sample.ms /= calls;
+        rows.append(row);
+    }
+    for (int size : {100, 1000, 10000})
+    {
+        MemoryCamera camera(size);
+        std::unique_ptr<BenchTab> tab;
+        // The fastest of five: the machine's other work only ever adds time.
+        auto step = [&](const QString& what, const std::function<void()>& prepare, const std::function<void()>& call)
+        {
+            Row row{QStringLiteral("%1 features: %2 (fastest of 5)").arg(size).arg(what), {}};
+            for (int round = 0; round < 5; ++round)
+            {
+                prepare();
+                const MemoryCamera::Calls before = camera.calls();
+                const Sample sample = measure(call);
+                if (round == 0 || sample.ms < row.sample.ms)
+                    row.sample = sample;
+                row.sample.note = callsText(camera.calls(), before);
+            }
+            rows.append(row);
+        };
+        step(
+            "build, show and first refresh", [&] { tab.reset(); },
+            [&]
+            {
+                tab.reset(new BenchTab(camera.features(), nullptr));
+                tab->show();
+                tab->stopTimer();
+            });
+        step(
+            "full tick", [&] { tab->markAllChanged(); }, [&] { tab->updateTimer(); });
+        step(
+            "idle tick", [] {}, [&] { tab->updateTimer(); });
+    }
+    printTable("In-memory camera (constant cost per call)", rows, false);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    GvcpCounter::markGuiThread();
+
+    int idleSeconds = 5;
+    QString only;
+    QStringList models{"line-camera.xml", "syncout-camera.xml", "routing-camera.xml"};
+    const QStringList args = app.arguments();
+    for (int i = 1; i + 1 < args.size(); i += 2)
+    {
+        if (args[i] == "--idle")
+            idleSeconds = std::max(1, args[i + 1].toInt());
+        else if (args[i] == "--only")
+            only = args[i + 1];
+        else if (args[i] == "--models")
+        {
+            models.clear();
+            for (const QString& model : args[i + 1].split(','))
+                models << model + "-camera.xml";
+        }
+    }
+
+    out << "# triggerio-bench\n";
+    for (const QString& model : models)
+    {
+        if (only.isEmpty() || only == "gige")
+            runModel(model, true, idleSeconds);
+        if (only.isEmpty() || only == "fake")
+            runModel(model, false, idleSeconds);
+    }
+    if (only.isEmpty() || only == "memory")
+        runMemory();
+    return 0;
+}
