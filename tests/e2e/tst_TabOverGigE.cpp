@@ -87,6 +87,8 @@ void tst_TabOverGigE::tabDrivesTheDevice()
     GenICamCamera camera;
     QString error;
     QVERIFY2(server.startAndOpen(TRIGGERIO_CAMERAS_DIR "/" + model, camera, &error), qPrintable(error));
+    GenICamCamera second; // the camera is ours: another controller is turned away
+    QCOMPARE(second.open("127.0.0.1"), OrvErrorType(OrvErrorInvalidAccess));
 
     TabExtensionInterface* plugin = qobject_cast<TabExtensionInterface*>(m_loader.instance());
     QVERIFY(plugin);
@@ -141,6 +143,8 @@ void tst_TabOverGigE::tabDrivesTheDevice()
         return true;
     };
     QTRY_VERIFY_WITH_TIMEOUT(camera.isDeviceLost(), 10000);
+    std::string text;
+    QCOMPARE(camera.features()->first()->GetValue(text), OrvErrorType(OrvErrorDeviceLost));
     QTRY_VERIFY_WITH_TIMEOUT(neutral(), 5000);
     // Edits on a lost device harm nothing (rows may have been rebuilt: look them up afresh).
     for (QComboBox* combo : parent.findChildren<QComboBox*>())
