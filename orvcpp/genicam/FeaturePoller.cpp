@@ -255,6 +255,12 @@ OrvErrorType FeaturePoller::registerObserver(const std::shared_ptr<GenICamFeatur
     if (m_state->stop)
         return OrvErrorDeviceLost;
     auto it = m_state->entries.find(feature.get());
+    if (it != m_state->entries.end() && it->second.feature.lock() != feature)
+    {
+        // A feature gone since, whose address the new one has taken.
+        m_state->entries.erase(it);
+        it = m_state->entries.end();
+    }
     if (it == m_state->entries.end())
     {
         State::Entry entry;

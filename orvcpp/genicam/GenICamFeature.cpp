@@ -112,22 +112,24 @@ template <typename Call> OrvErrorType GenICamFeature::write(Call call)
 {
     m_device->poller().beforeWrite();
     std::vector<const void*> registers;
-    bool known = false;
+    bool reached = false;
     const OrvErrorType code = withDevice(
         [&]() -> OrvErrorType
         {
+            const OrvErrorType access = checkWritable();
+            if (access != OrvErrorSuccess)
+                return access;
             if (!m_dependenciesKnown)
                 findDependencies();
             registers = m_registers;
-            known = true;
-            const OrvErrorType access = checkWritable();
-            return access != OrvErrorSuccess ? access : call();
+            reached = true;
+            return call();
         });
     // A write may change other features too (selectors, locks): the change
     // poller looks at the observed features that share a register with this
-    // one, once writes pause.
-    if (known)
-        m_device->poller().afterWrite(&registers);
+    // one (all of them for a feature without registers), once writes pause.
+    if (reached)
+        m_device->poller().afterWrite(registers.empty() ? nullptr : &registers);
     return code;
 }
 
@@ -670,6 +672,8 @@ void GenICamFeature::findDependencies()
         }
         if (ARV_IS_GC_REGISTER_NODE(node))
             m_registers.push_back(node);
+        if (ARV_IS_GC_STRUCT_ENTRY_NODE(node))
+            pending.push_back(arv_dom_node_get_parent_node(node)); // its bits live in the parent register
         for (ArvDomNode* child = arv_dom_node_get_first_child(node); child;
              child = arv_dom_node_get_next_sibling(child))
         {

@@ -477,9 +477,6 @@ private slots:
         names.sort();
         reported.sort();
         QCOMPARE(names, reported);
-        for (const QString& name : observed)
-            QCOMPARE(featureNamed(features, name.toStdString())->UnregisterObserver(observer),
-                     OrvErrorType(OrvErrorSuccess));
     }
 
     void featuresOutliveTheCamera()
