@@ -78,12 +78,17 @@ const QList<QPair<QString, Action>>& scenarios()
     static const QList<QPair<QString, Action>> list{
         {"build", [](TabAccess&, TestCamera&) {}},
         {"camera changes", cameraChanges},
-        {"levels changed alone",
+        {"sync levels changed alone",
          [](TabAccess& t, TestCamera& cam)
          {
              cam.set("SyncOutLevels", 5);
+             t.refresh({"SyncOutLevels"});
+         }},
+        {"line-out levels changed alone",
+         [](TabAccess& t, TestCamera& cam)
+         {
              cam.set("LineOutLevels", 2);
-             t.refresh({"SyncOutLevels", "LineOutLevels"});
+             t.refresh({"LineOutLevels"});
          }},
         {"edge", [](TabAccess& t, TestCamera&) { t.m_pButtonEdge->click(); }},
         {"level", [](TabAccess& t, TestCamera&) { t.m_pButtonLevel->click(); }},
