@@ -47,11 +47,11 @@ QString text(const QStringList& v)
 }
 
 // A range read as "value writable [minimum, maximum] step increment".
-template <typename Read> QString range(Read read)
+QString range(const FeatureManager& m, const char* name)
 {
     bool writable = false;
     double minimum = -2, maximum = -2, increment = -2;
-    const double value = read(&writable, &minimum, &maximum, &increment);
+    const double value = m.GetValueIsWritableRangeIncrement(name, &writable, &minimum, &maximum, &increment);
     return QString("%1 %2 [%3, %4] step %5")
         .arg(text(value), text(writable), text(minimum), text(maximum), text(increment));
 }
@@ -73,24 +73,12 @@ struct Call
 #expr " with " feature " " #op " failing", feature, Op::op,                                                    \
             [](const FeatureManager& m) { return text(m.expr); }                                                       \
     }
-#define RANGE(name, ...)                                                                                               \
+#define RANGE_ROW(tag, feature, op, name)                                                                              \
     {                                                                                                                  \
-        "range of " name, QString(), Op::GetName,                                                                      \
-            [](const FeatureManager& m)                                                                                \
-        {                                                                                                              \
-            return range([&](bool* w, double* lo, double* hi, double* inc)                                             \
-                         { return m.GetValueIsWritableRangeIncrement(name, w, lo, hi, inc); });                        \
-        }                                                                                                              \
+        tag, feature, Op::op, [](const FeatureManager& m) { return range(m, name); }                                   \
     }
-#define RANGE_FAULT(name, op)                                                                                          \
-    {                                                                                                                  \
-        "range of " name " with " #op " failing", name, Op::op,                                                        \
-            [](const FeatureManager& m)                                                                                \
-        {                                                                                                              \
-            return range([&](bool* w, double* lo, double* hi, double* inc)                                             \
-                         { return m.GetValueIsWritableRangeIncrement(name, w, lo, hi, inc); });                        \
-        }                                                                                                              \
-    }
+#define RANGE(name) RANGE_ROW("range of " name, QString(), GetName, name)
+#define RANGE_FAULT(name, op) RANGE_ROW("range of " name " with " #op " failing", name, op, name)
 
 const QList<Call>& calls()
 {
@@ -101,7 +89,7 @@ const QList<Call>& calls()
         CALL(GetIsFeatureAvailable("Missing", "", "Bool")),
         CALL(GetFeatureName({"Missing", "String", "Enum"})),
         CALL(GetDisplayName("Missing", "Enum")),
-       
+
         CALL(GetIsFeatureWritable("ReadOnlyInt")),
         CALL(GetIsWritable("Missing", "", "Bool")),
         FAULT("IntStep10", IsWritable, GetIsWritable("IntStep10")),
