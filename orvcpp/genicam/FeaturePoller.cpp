@@ -30,6 +30,7 @@ struct FeaturePoller::State
         std::vector<ObserverPtr> observers;
         bool known = false;    // read at least once
         bool dirty = false;    // something was written since the last reading
+        bool ownWrite = false; // ... among them one through its own handle
         bool baseline = false; // to be read without reporting (registered afresh)
         bool volatile_ = true; // may change by itself (until known otherwise)
         std::string last;
@@ -113,7 +114,13 @@ void FeaturePoller::State::countBaselines()
 
 void FeaturePoller::State::look(bool baselinesOnly)
 {
-    std::vector<std::pair<const GenICamFeature*, std::shared_ptr<GenICamFeature>>> toRead;
+    struct Reading
+    {
+        const GenICamFeature* key;
+        std::shared_ptr<GenICamFeature> feature;
+        bool ownWrite; // written through its own handle since the last look
+    };
+    std::vector<Reading> toRead;
     {
         std::lock_guard<std::mutex> lock(mutex);
         for (auto it = entries.begin(); it != entries.end();)
@@ -129,9 +136,10 @@ void FeaturePoller::State::look(bool baselinesOnly)
                                 (baselinesOnly ? entry.baseline : entry.baseline || entry.dirty || entry.volatile_);
             if (wanted)
             {
+                toRead.push_back({it->first, std::move(feature), entry.ownWrite});
                 // A write from now on marks it again for the next look.
                 entry.dirty = false;
-                toRead.emplace_back(it->first, std::move(feature));
+                entry.ownWrite = false;
             }
             ++it;
         }
@@ -153,16 +161,25 @@ void FeaturePoller::State::look(bool baselinesOnly)
         bool isVolatile = true;
         std::vector<const void*> registers;
         // Takes and releases the device lock.
-        item.second->observe(setting, now, isVolatile, registers);
+        item.feature->observe(setting, now, isVolatile, registers);
         std::lock_guard<std::mutex> lock(mutex);
-        auto it = entries.find(item.first);
+        auto it = entries.find(item.key);
         if (it == entries.end())
             continue;
         Entry& entry = it->second;
         entry.volatile_ = isVolatile;
         entry.registers.swap(registers);
         auto seen = entry.bySetting.find(setting);
-        const bool changed = !entry.baseline && (seen != entry.bySetting.end() ? seen->second : entry.last) != now;
+        // A feature written through its own handle under a selector is
+        // reported whatever this look sees: the write may have gone to another
+        // selector setting than the one the look reads (the tab points
+        // "LineSelector" at a line, writes its "LineMode" and points it back),
+        // and the tab relies on hearing of it (it rebuilds its output rows
+        // when "LineMode" changes). Everything else is reported when its state
+        // differs from the one last seen under the same setting.
+        const bool changed =
+            !entry.baseline && ((item.ownWrite && !setting.empty()) ||
+                                 (seen != entry.bySetting.end() ? seen->second : entry.last) != now);
         entry.known = true;
         entry.baseline = false;
         entry.last = now;
@@ -170,7 +187,7 @@ void FeaturePoller::State::look(bool baselinesOnly)
             entry.bySetting.clear();
         entry.bySetting[setting] = now;
         if (changed)
-            changes.push_back({item.first, item.second, entry.observers});
+            changes.push_back({item.key, item.feature, entry.observers});
     }
     {
         std::lock_guard<std::mutex> lock(mutex);
@@ -333,7 +350,7 @@ void FeaturePoller::beforeWrite()
     state->baselines.wait(lock, [&] { return state->stop || state->pendingBaselines == 0; });
 }
 
-void FeaturePoller::afterWrite(const std::vector<const void*>* registers)
+void FeaturePoller::afterWrite(const std::vector<const void*>* registers, const GenICamFeature* writer)
 {
     bool first = false;
     {
@@ -348,7 +365,11 @@ void FeaturePoller::afterWrite(const std::vector<const void*>* registers)
             if (!registers || !item.second.known ||
                 std::find_first_of(depends.begin(), depends.end(), registers->begin(), registers->end()) !=
                     depends.end())
+            {
+                if (item.first == writer)
+                    item.second.ownWrite = true;
                 item.second.dirty = true;
+            }
         }
     }
     // The first write of a burst moves the next look closer; later ones push it on.

@@ -25,6 +25,9 @@ class GenICamFeature;
 //   until writes have paused, so a burst of writes (a preset, a tab that
 //   points a selector at each line and back) causes one look, which sees the
 //   settled state;
+// - a feature written through its own handle under a selector is reported
+//   at the next look, whatever that look reads at the selector's setting of
+//   then (the write may have gone to another line);
 // - each feature's state is remembered per setting of the selector registers
 //   it is indexed by, and compared with the state last seen under the same
 //   setting (or, for a setting not seen before, with the last state).
@@ -62,8 +65,9 @@ public:
     void beforeWrite();
     // Called after something may have changed the device: the features that
     // depend on one of the registers (sorted; all features when null) are
-    // read at the next look, once writes have paused.
-    void afterWrite(const std::vector<const void*>* registers = nullptr);
+    // read at the next look, once writes have paused. The writer, when given
+    // and selector-indexed, is reported at that look.
+    void afterWrite(const std::vector<const void*>* registers = nullptr, const GenICamFeature* writer = nullptr);
 
     struct State;
 

@@ -129,7 +129,7 @@ template <typename Call> OrvErrorType GenICamFeature::write(Call call)
     // poller looks at the observed features that share a register with this
     // one (all of them for a feature without registers), once writes pause.
     if (reached)
-        m_device->poller().afterWrite(registers.empty() ? nullptr : &registers);
+        m_device->poller().afterWrite(registers.empty() ? nullptr : &registers, this);
     return code;
 }
 

@@ -100,15 +100,20 @@ void tst_TabOverGigE::tabDrivesTheDevice()
     QGroupBox* outputGroup = parent.findChild<QGroupBox*>("gb_Output");
     QGridLayout* grid = parent.findChild<QGridLayout*>("grid_Output");
     QVERIFY(outputGroup && grid);
-    QStringList rows;
-    for (int row = 1; row < grid->rowCount(); ++row)
+    auto rows = [grid]
     {
-        QLayoutItem* item = grid->itemAtPosition(row, 0);
-        QLabel* label = item ? qobject_cast<QLabel*>(item->widget()) : nullptr;
-        if (label && grid->itemAtPosition(row, 1) && qobject_cast<QComboBox*>(grid->itemAtPosition(row, 1)->widget()))
-            rows << label->text().remove(':').trimmed();
-    }
-    QCOMPARE(rows, outputs);
+        QStringList names;
+        for (int row = 1; row < grid->rowCount(); ++row)
+        {
+            QLayoutItem* item = grid->itemAtPosition(row, 0);
+            QLabel* label = item ? qobject_cast<QLabel*>(item->widget()) : nullptr;
+            QLayoutItem* source = grid->itemAtPosition(row, 1);
+            if (label && source && qobject_cast<QComboBox*>(source->widget()))
+                names << label->text().remove(':').trimmed();
+        }
+        return names;
+    };
+    QCOMPARE(rows(), outputs);
 
     // An edit of the first row's source reaches the device, and the selector is
     // back where it was.
@@ -122,6 +127,27 @@ void tst_TabOverGigE::tabDrivesTheDevice()
     setDeviceValue(camera, selectorName, outputs.first());
     QCOMPARE(deviceValue(camera, sourceName), chosen);
     setDeviceValue(camera, selectorName, selected);
+
+    // A line switched in the Selectable Output group joins or leaves the output
+    // rows within a few ticks: the camera reports the tab's own mode write.
+    QGroupBox* selectable = parent.findChild<QGroupBox*>("gb_SelectOutput");
+    if (QComboBox* mode = selectable->findChild<QComboBox*>())
+    {
+        QString line; // its label is the line's name and ": "
+        for (QLabel* label : selectable->findChildren<QLabel*>())
+            if (line.isEmpty() && label->text().endsWith(": ") && label->text().startsWith("Line"))
+                line = label->text().remove(':').trimmed();
+        QTest::qWait(1200); // a tick empties the changed list that the build left
+        const bool output = mode->currentText() == "Output";
+        mode->setCurrentText(output ? "Input" : "Output");
+        QStringList expected = outputs;
+        if (output)
+            expected.removeAll(line);
+        else
+            expected << line;
+        expected.sort();
+        QTRY_COMPARE_WITH_TIMEOUT(rows(), expected, 5000);
+    }
 
     // The server goes away mid-session: the tab stays alive and shows neutral values.
     server.stop();
