@@ -6,7 +6,9 @@
 #include <QSharedPointer>
 #include <QVector>
 
-// The host's list of camera feature handles, shared with every tab built for the camera.
+// What a host hands each tab: one handle per camera feature. The host owns the
+// vector; tabs keep a reference and leave it as it is. It sits beside the
+// camera API so that hosts, backends and tabs can all name it.
 typedef QSharedPointer<QVector<OrvCPP::shared_ptr<OrvCPP::Feature>>> FeatureList;
 
 #endif
