@@ -34,7 +34,8 @@ TabExtensionResult TabExtensionPlugin::get(const FeatureList& features, QWidget&
 
 bool TabExtensionPlugin::connectToResetFps(QObject* receiver, const char* slot)
 {
-    // This tab never asks the host to reset its frame-rate display.
+    // Nothing in the Trigger IO tab touches the frame rate shown by the host,
+    // so there is no reset request to hook up.
     Q_UNUSED(receiver)
     Q_UNUSED(slot)
     return false;

@@ -3,8 +3,8 @@
 
 #include "TabExtensionInterface.h"
 
-// The plug-in object the host loads: builds a Trigger IO tab per camera window
-// and forwards the host's acquisition state to every tab it built.
+// What the host gets from the module: a Trigger IO tab for each camera window
+// that asks for one, and the host's acquisition on/off passed on to all of them.
 class TabExtensionPlugin : public TabExtensionInterface
 {
     Q_OBJECT

@@ -1,4 +1,5 @@
 #include "IOTriggerWidget.h"
+#include "ui_IOTriggerWidget.h"
 
 #include "TabExtensionInterface.h"
 
@@ -16,6 +17,7 @@
 
 IOTriggerWidget::IOTriggerWidget(const FeatureList& features, QWidget* parent)
     : BaseTabPluginWidget(features, parent)
+    , ui(new Ui::IOTriggerWidget)
 {
     // The tab serves cameras with sync output levels or with output lines.
     QString title;
@@ -71,9 +73,9 @@ IOTriggerWidget::IOTriggerWidget(const FeatureList& features, QWidget* parent)
                        << "ExposureMode"
                        << "ExposureAuto";
 
-    ui.setupUi(this);
-    ui.l_notAcquireHint->setStyleSheet("color : rgb(64,94,127);");
-    ui.l_notAcquireHint->hide();
+    ui->setupUi(this);
+    ui->l_notAcquireHint->setStyleSheet("color : rgb(64,94,127);");
+    ui->l_notAcquireHint->hide();
 
     createTriggerInput();
     createOutputLabels();
@@ -81,7 +83,7 @@ IOTriggerWidget::IOTriggerWidget(const FeatureList& features, QWidget* parent)
     SetQuickButtonsDisabled(false);
 
     if (m_nOptionalOutputs < 1)
-        ui.gb_SelectOutput->setVisible(false);
+        ui->gb_SelectOutput->setVisible(false);
     else
         createOptionalOutputs();
 
@@ -199,7 +201,7 @@ void IOTriggerWidget::rebuildOutputs()
     for (int i = m_OutLineLabels.size() - 1; i >= 0; --i)
     {
         QLabel* label = m_OutLineLabels.at(i);
-        ui.grid_Output->removeWidget(label);
+        ui->grid_Output->removeWidget(label);
         m_OutLineLabels.remove(i);
         delete label;
     }
@@ -214,7 +216,7 @@ void IOTriggerWidget::rebuildOutputs()
               static_cast<QWidget*>(row->m_pCBUserValue.data())})
         {
             if (widget)
-                ui.grid_Output->removeWidget(widget);
+                ui->grid_Output->removeWidget(widget);
         }
     }
     m_OutputRows.clear();

@@ -3,12 +3,13 @@
 
 #include "BaseTabPluginWidget.h"
 #include "OutputRow.h"
-#include "ui_IOTriggerWidget.h"
 
 #include <QList>
 #include <QSharedPointer>
 #include <QStringList>
 #include <QVector>
+
+#include <memory>
 
 class QCheckBox;
 class QComboBox;
@@ -19,6 +20,11 @@ class QLineEdit;
 class QPushButton;
 class QSpacerItem;
 class QSpinBox;
+
+namespace Ui
+{
+class IOTriggerWidget;
+}
 
 // The "Trigger IO" tab: trigger input, acquisition, exposure and input line
 // controls, quick trigger presets, output lines and selectable outputs of one
@@ -110,7 +116,7 @@ public slots:
     void camIsStreaming(bool streaming);
 
 protected:
-    Ui_IOTriggerWidget ui;
+    std::unique_ptr<Ui::IOTriggerWidget> ui;
     bool m_bUserOutputSelector = false;
     int m_nOptionalOutputs = 0;
     QComboBox* m_pComboTriggerSource = nullptr;

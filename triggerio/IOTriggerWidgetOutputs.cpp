@@ -1,4 +1,5 @@
 #include "IOTriggerWidget.h"
+#include "ui_IOTriggerWidget.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -127,7 +128,7 @@ QList<int> IOTriggerWidget::DetermineOutsIndex()
 
 void IOTriggerWidget::createOutputLabels()
 {
-    QGridLayout* grid = ui.grid_Output;
+    QGridLayout* grid = ui->grid_Output;
 
     // The caption is the camera's own name of the source feature.
     const QString sourceName = m_pFeatureManager->GetFeatureName(QStringList() << "LineOutSource"
@@ -156,15 +157,15 @@ void IOTriggerWidget::createOutputLabels()
 
 void IOTriggerWidget::createOutput()
 {
-    QGridLayout* grid = ui.grid_Output;
+    QGridLayout* grid = ui->grid_Output;
 
     m_Outputs.clear();
     const int count = GetOutputs(&m_Outputs);
 
     const int height =
         (m_pFeatureManager->GetIsFeatureAvailable("SyncOutLevels", "LineOutLevels") ? 85 : 60) + 35 * count;
-    ui.gb_Output->setMinimumHeight(height);
-    ui.gb_Output->setMaximumHeight(height);
+    ui->gb_Output->setMinimumHeight(height);
+    ui->gb_Output->setMaximumHeight(height);
 
     for (int i = 0; i < count; ++i)
     {

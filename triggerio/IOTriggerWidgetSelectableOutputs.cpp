@@ -1,4 +1,5 @@
 #include "IOTriggerWidget.h"
+#include "ui_IOTriggerWidget.h"
 
 #include <QColor>
 #include <QComboBox>
@@ -38,7 +39,7 @@ int IOTriggerWidget::GetOptionalOutputs(QStringList* outputs)
 
 void IOTriggerWidget::createOptionalOutputs()
 {
-    QGridLayout* grid = ui.grid_SelectableOut;
+    QGridLayout* grid = ui->grid_SelectableOut;
 
     // An invisible, flat copy of the Output group's header, so that the columns
     // of both groups take the same widths.
@@ -70,8 +71,8 @@ void IOTriggerWidget::createOptionalOutputs()
     grid->addWidget(userOutSelector, 0, 4, Qt::AlignLeft);
     grid->addWidget(userValue, 0, 5, Qt::AlignCenter);
 
-    ui.gb_SelectOutput->setMinimumHeight(m_nOptionalOutputs * 55);
-    ui.gb_SelectOutput->setMaximumHeight(m_nOptionalOutputs * 55);
+    ui->gb_SelectOutput->setMinimumHeight(m_nOptionalOutputs * 55);
+    ui->gb_SelectOutput->setMaximumHeight(m_nOptionalOutputs * 55);
 
     for (int i = 0; i < m_nOptionalOutputs; ++i)
     {

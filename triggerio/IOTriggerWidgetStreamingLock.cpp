@@ -1,4 +1,5 @@
 #include "IOTriggerWidget.h"
+#include "ui_IOTriggerWidget.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -36,7 +37,7 @@ void IOTriggerWidget::camIsStreaming(bool streaming)
     enable(m_pComboTriggerMode, !streaming);
     enable(m_pComboAcquisitionMode, !streaming);
     enable(m_pSpinAcquisitionFrameCount, !streaming);
-    ui.l_notAcquireHint->setVisible(streaming);
+    ui->l_notAcquireHint->setVisible(streaming);
 }
 
 void IOTriggerWidget::SetQuickButtonsDisabled(bool disabled)

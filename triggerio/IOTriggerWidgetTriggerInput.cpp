@@ -1,4 +1,5 @@
 #include "IOTriggerWidget.h"
+#include "ui_IOTriggerWidget.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -59,8 +60,8 @@ void IOTriggerWidget::createTriggerInput()
     // Cameras that route input lines to the trigger need more room.
     if (m_pFeatureManager->GetAvailableEnumEntries("TriggerSource").contains("InputLines"))
     {
-        ui.gb_TriggerInput->setMinimumHeight(470);
-        ui.gb_TriggerInput->setMaximumHeight(470);
+        ui->gb_TriggerInput->setMinimumHeight(470);
+        ui->gb_TriggerInput->setMaximumHeight(470);
     }
 
     m_pLabelTriggerSource = new QLabel(tr("Source:"));
@@ -136,7 +137,7 @@ void IOTriggerWidget::createTriggerInput()
         m_pGridTrigger->addWidget(m_pButtonSWTrigger, 4, 3, 1, 5, Qt::AlignCenter);
     }
     m_pGroupTrigger->setLayout(m_pGridTrigger);
-    ui.grid_TriggerInput->addWidget(m_pGroupTrigger, 0, 1, 1, 9, Qt::Alignment());
+    ui->grid_TriggerInput->addWidget(m_pGroupTrigger, 0, 1, 1, 9, Qt::Alignment());
 
     // Acquisition group
     m_pGroupAcquisition = new QGroupBox(tr("Acquisition"));
@@ -153,7 +154,7 @@ void IOTriggerWidget::createTriggerInput()
     if (QComboBox* exposureCombo = m_pComboExposureMode ? m_pComboExposureMode : m_pComboExposureAuto)
         gridAcquisition->addWidget(exposureCombo, 1, 3, 1, 2);
     m_pGroupAcquisition->setLayout(gridAcquisition);
-    ui.grid_TriggerInput->addWidget(m_pGroupAcquisition, 2, 1, 1, 9, Qt::Alignment());
+    ui->grid_TriggerInput->addWidget(m_pGroupAcquisition, 2, 1, 1, 9, Qt::Alignment());
 
     // Quick settings group; columns 3 and 7 stay empty as gaps.
     m_pGroupQuickSettings = new QGroupBox(tr("Quick Settings: Trigger Mode"));
@@ -164,7 +165,7 @@ void IOTriggerWidget::createTriggerInput()
     gridQuickSettings->addWidget(m_pButtonLevel, 0, 4, 1, 3, Qt::Alignment());
     gridQuickSettings->addWidget(m_pButtonBulk, 0, 8, 1, 3, Qt::Alignment());
     m_pGroupQuickSettings->setLayout(gridQuickSettings);
-    ui.grid_TriggerInput->addWidget(m_pGroupQuickSettings, 3, 1, 1, 9, Qt::Alignment());
+    ui->grid_TriggerInput->addWidget(m_pGroupQuickSettings, 3, 1, 1, 9, Qt::Alignment());
 
     m_pButtonSWTrigger->setEnabled(false);
 
@@ -314,11 +315,11 @@ void IOTriggerWidget::updateExposureMode()
         return;
     const bool writable = updateComboBox("ExposureMode", m_pComboExposureMode, false);
     // A read-only exposure mode means the camera acquires: say so.
-    if (ui.gb_TriggerInput->isEnabled())
+    if (ui->gb_TriggerInput->isEnabled())
     {
-        ui.l_notAcquireHint->setVisible(!writable);
-        ui.l_notAcquireHint->update();
-        ui.l_notAcquireHint->repaint();
+        ui->l_notAcquireHint->setVisible(!writable);
+        ui->l_notAcquireHint->update();
+        ui->l_notAcquireHint->repaint();
     }
     update();
     repaint();

@@ -25,9 +25,9 @@ GenICamDevice::GenICamDevice(ArvDevice* device, const std::string& id)
     , m_id(id)
     , m_poller(new FeaturePoller)
 {
-    // Writes to read-only features must fail, and values outside the range too;
-    // registers are read from the device every time so that changes made by the
-    // camera or another program are seen.
+    // Aravis refuses writes to read-only features and values outside the range
+    // for us, and reads registers from the device every time, so we see what
+    // the camera or another program changed.
     arv_device_set_access_check_policy(m_device, ARV_ACCESS_CHECK_POLICY_ENABLE);
     arv_device_set_range_check_policy(m_device, ARV_RANGE_CHECK_POLICY_ENABLE);
     arv_device_set_register_cache_policy(m_device, ARV_REGISTER_CACHE_POLICY_DISABLE);

@@ -36,7 +36,6 @@ public:
     using IOTriggerWidget::m_pLabelOutInvert;
     using IOTriggerWidget::m_pLabelOutSource;
     using IOTriggerWidget::m_pSpinAcquisitionFrameCount;
-    using IOTriggerWidget::ui;
 
     // Runs one refresh tick on the given changed names (observers are off during
     // the pass, as on a real tick).

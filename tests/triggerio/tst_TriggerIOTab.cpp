@@ -185,7 +185,7 @@ QStringList view(TabAccess& tab, TestCamera& cam)
                                                    {"source caption", tab.m_pLabelOutSource},
                                                    {"invert caption", tab.m_pLabelOutInvert},
                                                    {"levels", tab.m_pEditSyncLevels},
-                                                   {"hint", tab.ui.l_notAcquireHint}};
+                                                   {"hint", tab.findChild<QLabel*>("l_notAcquireHint")}};
     QStringList lines;
     for (const auto& control : controls)
         if (control.second)

@@ -13,7 +13,7 @@ namespace OrvCPP
 
 // One named, typed camera feature (GenICam naming).
 //
-// Contract for every implementation:
+// What callers can count on, whichever backend implements the feature:
 // - Every call returns an OrvErrorType, 0 on success; on failure the output
 //   arguments are left as they were.
 // - A feature may be called from the GUI thread and, at the same time, from

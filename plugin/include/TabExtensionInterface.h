@@ -1,8 +1,9 @@
 #ifndef TABEXTENSIONINTERFACE_H
 #define TABEXTENSIONINTERFACE_H
 
-// The one header a host includes to load tab plug-ins: the interface, the
-// feature list it hands over, the result codes and the exceptions.
+// Everything a host needs to load tab plug-ins: the interface, the result
+// codes and the exceptions (FeatureList.h comes with the camera API's headers).
+// The tab code includes it too, so host and plug-in agree on one definition.
 
 #include "FeatureList.h"
 
@@ -15,7 +16,8 @@
 // Result of TabExtensionInterface::get: 0 success, 4 camera not supported.
 typedef int TabExtensionResult;
 
-// Thrown by a tab's constructor; get() turns it into its result code.
+// A tab's constructor throws this when it cannot build; get() hands the
+// carried code back to the host.
 class TabExtensionException
 {
 public:
@@ -70,7 +72,7 @@ public:
     virtual TabExtensionResult get(const FeatureList& features, QWidget& parent, QMap<QString, QVariant>* settings) = 0;
     // Connects the tab's frame-rate reset request to the host.
     virtual bool connectToResetFps(QObject* receiver, const char* slot) = 0;
-    // Connects the host's acquisition signal, one bool: true while acquiring.
+    // Hooks up the host's acquisition signal (a bool, true while the camera acquires).
     virtual bool connectFromAcquire(QObject* sender, const char* signal) = 0;
 };
 

@@ -1,3 +1,0 @@
-#include "TABMessageHandler.h"
-
-void TABMessageHandler(QtMsgType, const QMessageLogContext&, const QString&) {}
