@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDebug>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
@@ -232,4 +233,72 @@ void IOTriggerWidget::rebuildOutputs()
 void IOTriggerWidget::OnComboChanged(QString featureName, QString currentVal)
 {
     m_pFeatureManager->SetValue(featureName, currentVal);
+}
+
+// ---------------------------------------------------------------- selector walks
+
+IOTriggerWidget::Selector IOTriggerWidget::lineSelector() const
+{
+    return {"LineSelector", QString(), m_pFeatureManager->GetStringValue("LineSelector")};
+}
+
+IOTriggerWidget::Selector IOTriggerWidget::outputSelector() const
+{
+    Selector selector = lineSelector();
+    if (!selector.found())
+        selector = {"LineOutSelector", "SyncOutSelector",
+                    m_pFeatureManager->GetStringValue("LineOutSelector", "SyncOutSelector")};
+    return selector;
+}
+
+IOTriggerWidget::Selector IOTriggerWidget::userOutputSelector() const
+{
+    return {"UserOutputSelector", QString(), m_pFeatureManager->GetStringValue("UserOutputSelector")};
+}
+
+QString IOTriggerWidget::select(const Selector& selector, const QString& entry) const
+{
+    if (selector.alt.isEmpty())
+        return m_pFeatureManager->SetValue(selector.name, entry);
+    return m_pFeatureManager->SetValue(selector.name, selector.alt, entry);
+}
+
+void IOTriggerWidget::restoreSelector(const Selector& selector, const Restore& restore) const
+{
+    const QString result = select(selector, selector.saved);
+    if (restore.log == Restore::Always)
+    {
+        QDebug debug = qDebug();
+        debug << restore.function;
+        if (restore.message)
+            debug << restore.message;
+        debug << result;
+    }
+    else if (restore.log == Restore::OnFailure && result.isEmpty())
+    {
+        qDebug() << restore.function << restore.message;
+    }
+}
+
+void IOTriggerWidget::walkSelector(const Selector& selector, const QStringList& entries, const Restore& restore,
+                                   const std::function<bool(int, bool)>& visit)
+{
+    for (int i = 0; i < entries.size(); ++i)
+    {
+        const bool selected = !select(selector, entries.at(i)).isEmpty();
+        if (!visit(i, selected))
+            return;
+        if (restore.when == Restore::AfterEachLine)
+            restoreSelector(selector, restore);
+    }
+    if (restore.when == Restore::AtEnd)
+        restoreSelector(selector, restore);
+}
+
+QStringList IOTriggerWidget::outputLines() const
+{
+    QStringList lines;
+    for (int i = 0; i < m_OutputRows.size(); ++i)
+        lines << m_Outputs.value(i);
+    return lines;
 }

@@ -10,6 +10,8 @@
 #include <QStringList>
 #include <QVector>
 
+#include <functional>
+
 class QCheckBox;
 class QComboBox;
 class QGridLayout;
@@ -25,7 +27,7 @@ class QSpinBox;
 // camera. Refreshes never write to the camera; only the On... slots do.
 //
 // The class is split by section over several source files:
-//   IOTriggerWidget.cpp                   construction, destruction, refresh dispatch
+//   IOTriggerWidget.cpp                   construction, destruction, refresh dispatch, selector walks
 //   IOTriggerWidgetStreamingLock.cpp      streaming lock and signal blocking
 //   IOTriggerWidgetTriggerInput.cpp       trigger input controls, refreshes and edits
 //   IOTriggerWidgetQuickSettings.cpp      Edge, Level and Bulk presets
@@ -157,6 +159,61 @@ protected:
     QStringList m_Outputs;
 
 private:
+    // A selector feature the tab points at one line after another, and the
+    // entry it held before.
+    struct Selector
+    {
+        QString name;
+        QString alt; // the camera's other name for it; empty when there is none
+        QString saved;
+
+        bool found() const
+        {
+            return !saved.isEmpty();
+        }
+        bool isLineSelector() const
+        {
+            return name == "LineSelector";
+        }
+    };
+
+    // When a walk puts its selector back, and what it logs about that.
+    struct Restore
+    {
+        enum When
+        {
+            AfterEachLine,
+            AtEnd
+        };
+        enum Log
+        {
+            Never,
+            OnFailure, // function and message when the write back returned an empty text
+            Always     // function, message (if any) and the text the write back returned
+        };
+        When when;
+        Log log;
+        const char* function;
+        const char* message;
+    };
+
+    Selector lineSelector() const;
+    // "LineSelector" when it can be read, else the sync-out family's selector.
+    Selector outputSelector() const;
+    Selector userOutputSelector() const;
+    QString select(const Selector& selector, const QString& entry) const;
+    void restoreSelector(const Selector& selector, const Restore& restore) const;
+    // Points the selector at each entry in turn and calls visit(index, selected),
+    // selected telling whether the selector write succeeded. When visit returns
+    // false the walk stops at once and the selector stays on that entry.
+    void walkSelector(const Selector& selector, const QStringList& entries, const Restore& restore,
+                      const std::function<bool(int, bool)>& visit);
+    // The selector entry of every output row.
+    QStringList outputLines() const;
+    // Numeric writes are judged by a one-character text made from the returned
+    // number; such a text is never empty.
+    static QString numericResultText(double value);
+
     void rebuildOutputs();
 };
 

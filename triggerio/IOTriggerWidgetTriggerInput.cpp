@@ -346,22 +346,20 @@ QString IOTriggerWidget::GetFirstInput()
 {
     QString result;
     const QStringList entries = m_pFeatureManager->GetAvailableEnumEntries("LineSelector");
-    const QString saved = m_pFeatureManager->GetStringValue("LineSelector");
-    for (const QString& entry : entries)
-    {
-        if (!m_pFeatureManager->SetValue("LineSelector", entry).isEmpty())
+    const Selector selector = lineSelector();
+    walkSelector(
+        selector, entries,
+        {Restore::AfterEachLine, Restore::OnFailure, "GetFirstInput", "Error: SetValue(LineSelector) retValue == ''"},
+        [&](int i, bool selected)
         {
-            // Found: the camera stays on this line.
-            if (m_pFeatureManager->GetStringValue("LineMode") == "Input" && result.isEmpty())
+            if (selected && m_pFeatureManager->GetStringValue("LineMode") == "Input" && result.isEmpty())
             {
-                result = entry;
-                break;
+                // Found: the camera stays on this line.
+                result = entries.at(i);
+                return false;
             }
-        }
-        if (m_pFeatureManager->SetValue("LineSelector", saved).isEmpty())
-            qDebug() << "GetFirstInput"
-                     << "Error: SetValue(LineSelector) retValue == ''";
-    }
+            return true;
+        });
     return result;
 }
 
