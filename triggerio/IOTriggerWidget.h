@@ -22,6 +22,10 @@ class QPushButton;
 class QSpacerItem;
 class QSpinBox;
 
+// Steps of the quick settings (IOTriggerWidgetQuickSettings.cpp).
+struct PresetStep;
+struct QuickSetting;
+
 // The "Trigger IO" tab: trigger input, acquisition, exposure and input line
 // controls, quick trigger presets, output lines and selectable outputs of one
 // camera. Refreshes never write to the camera; only the On... slots do.
@@ -215,6 +219,11 @@ private:
     static QString numericResultText(double value);
 
     void rebuildOutputs();
+
+    // Runs the variant of a preset that fits the camera; false when the tab was
+    // deleted meanwhile (then no member may be touched).
+    bool runQuickSetting(const QuickSetting& setting);
+    bool runPresetStep(const PresetStep& presetStep, const char* value);
 };
 
 #endif
