@@ -49,28 +49,12 @@ IOTriggerWidget::IOTriggerWidget(const FeatureList& features, QWidget* parent)
     m_nOptionalOutputs = GetOptionalOutputs(&m_OptionalOutputs);
 
     // "UserOutputSelector" is left out on purpose: the tab moves it itself.
-    m_ObservedFeatures << "TriggerActivation"
-                       << "TriggerSource"
-                       << "TriggerMode"
-                       << "TriggerSelector"
-                       << "AcquisitionFrameCount"
-                       << "AcquisitionMode"
-                       << "LineRouting"
-                       << "LineSelector"
-                       << "LineSource"
-                       << "SyncOutSource"
-                       << "LineInverter"
-                       << "SyncOutPolarity"
-                       << "LineStatus"
-                       << "SyncOutLevels"
-                       << "UserOutSelector"
-                       << "UserOutputValue"
-                       << "LineMode"
-                       << "LineOutSource"
-                       << "LineOutPolarity"
-                       << "LineOutLevels"
-                       << "ExposureMode"
-                       << "ExposureAuto";
+    m_ObservedFeatures << QStringList{
+        "TriggerActivation", "TriggerSource",   "TriggerMode",   "TriggerSelector", "AcquisitionFrameCount",
+        "AcquisitionMode",   "LineRouting",     "LineSelector",  "LineSource",      "SyncOutSource",
+        "LineInverter",      "SyncOutPolarity", "LineStatus",    "SyncOutLevels",   "UserOutSelector",
+        "UserOutputValue",   "LineMode",        "LineOutSource", "LineOutPolarity", "LineOutLevels",
+        "ExposureMode",      "ExposureAuto"};
 
     ui.setupUi(this);
     ui.l_notAcquireHint->setStyleSheet("color : rgb(64,94,127);");

@@ -163,6 +163,26 @@ protected:
     QStringList m_Outputs;
 
 private:
+    // Trigger input section, in the order of building
+    void createTriggerControls();
+    void createTriggerGroup();
+    void createAcquisitionGroup();
+    void createQuickSettingsGroup();
+    void initLineRouting();
+    void initExposure();
+    void connectTriggerInput();
+
+    // Output rows
+    void createOutputRow(int i);
+    void createSyncLevelsRow(int gridRow);
+    // A row's status box can be edited when its line carries its plain state
+    // ("Direct" for output lines, "GPO" for sync outputs) and that state is
+    // writable; its user value box when a user output drives the line.
+    bool carriesPlainState(const OutputRow& row, bool lineFamily) const;
+    bool statusWritable(bool lineFamily) const;
+    void enableStatusBox(const OutputRow& row, bool lineFamily) const;
+    void enableUserValueBox(const OutputRow& row) const;
+
     // A selector feature the tab points at one line after another, and the
     // entry it held before.
     struct Selector

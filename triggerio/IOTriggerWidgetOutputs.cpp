@@ -123,76 +123,14 @@ void IOTriggerWidget::createOutput()
     ui.gb_Output->setMaximumHeight(height);
 
     for (int i = 0; i < count; ++i)
-    {
-        const int gridRow = i + 1;
-
-        QLabel* label = new QLabel(m_Outputs.at(i) + ": ");
-        m_OutLineLabels.insert(i, label);
-        grid->addWidget(label, gridRow, 0, Qt::AlignLeft);
-
-        QSharedPointer<OutputRow> row(new OutputRow);
-        m_OutputRows.append(row);
-
-        row->m_pComboSource.reset(new QComboBox);
-        row->m_pComboSource->setSizeAdjustPolicy(QComboBox::AdjustToContentsOnFirstShow);
-        row->m_pComboSource->setMaximumWidth(95);
-        connect(row->m_pComboSource.data(), SIGNAL(currentIndexChanged(QString)), this,
-                SLOT(OnComboOutSourceChanged(QString)));
-        grid->addWidget(row->m_pComboSource.data(), gridRow, 1, Qt::Alignment());
-
-        row->m_pCBInvert.reset(new QCheckBox);
-        connect(row->m_pCBInvert.data(), SIGNAL(stateChanged(int)), this, SLOT(OnCBOutInvertChanged(int)));
-        grid->addWidget(row->m_pCBInvert.data(), gridRow, 2, Qt::AlignCenter);
-
-        row->m_pCBStatus.reset(new QCheckBox);
-        connect(row->m_pCBStatus.data(), SIGNAL(stateChanged(int)), this, SLOT(OnCBOutStatusChanged(int)));
-        grid->addWidget(row->m_pCBStatus.data(), gridRow, 3, Qt::AlignCenter);
-
-        if (m_bUserOutputSelector)
-        {
-            // Only shows the binding of the line; never edited, so not connected.
-            row->m_pComboUserOutSelector.reset(new QComboBox);
-            row->m_pComboUserOutSelector->setSizeAdjustPolicy(QComboBox::AdjustToContentsOnFirstShow);
-            row->m_pComboUserOutSelector->setLayoutDirection(Qt::RightToLeft);
-            grid->addWidget(row->m_pComboUserOutSelector.data(), gridRow, 4, Qt::Alignment());
-
-            // There are five user value slots; the boxes of later rows stay unconnected.
-            row->m_pCBUserValue.reset(new QCheckBox);
-            static const char* const userValueSlots[] = {
-                SLOT(OnCBOutUserValueChanged1(int)), SLOT(OnCBOutUserValueChanged2(int)),
-                SLOT(OnCBOutUserValueChanged3(int)), SLOT(OnCBOutUserValueChanged4(int)),
-                SLOT(OnCBOutUserValueChanged5(int))};
-            if (i < 5)
-                connect(row->m_pCBUserValue.data(), SIGNAL(stateChanged(int)), this, userValueSlots[i]);
-            grid->addWidget(row->m_pCBUserValue.data(), gridRow, 5, Qt::AlignCenter);
-        }
-    }
+        createOutputRow(i);
 
     grid->setColumnStretch(0, 1);
     grid->setColumnStretch(1, 3);
     for (int column = 2; column <= 5; ++column)
         grid->setColumnStretch(column, 1);
 
-    // A rebuild replaces the sync-levels row of the previous build, which would
-    // otherwise stay in the grid next to the new one.
-    delete m_pLabelSyncLevels;
-    m_pLabelSyncLevels = nullptr;
-    delete m_pEditSyncLevels;
-    m_pEditSyncLevels = nullptr;
-
-    if (m_pFeatureManager->GetIsFeatureAvailable("SyncOutLevels", "LineOutLevels"))
-    {
-        m_pLabelSyncLevels = new QLabel(m_pFeatureManager->GetIsFeatureAvailable("LineOutLevels") ? tr("LineOutLevels")
-                                                                                                  : tr("SyncLevels:"));
-        grid->addWidget(m_pLabelSyncLevels, count + 1, 0, Qt::Alignment());
-
-        m_pEditSyncLevels = new QLineEdit;
-        m_pEditSyncLevels->setReadOnly(true);
-        m_pEditSyncLevels->setMaximumWidth(65);
-        m_pEditSyncLevels->setStyleSheet("QLineEdit {background-color: gray;}");
-        m_pEditSyncLevels->setAlignment(Qt::AlignCenter);
-        grid->addWidget(m_pEditSyncLevels, count + 1, 3, Qt::AlignCenter);
-    }
+    createSyncLevelsRow(count + 1);
 
     SetConnectionsDisabled(true);
     updateOutSource();
@@ -207,6 +145,103 @@ void IOTriggerWidget::createOutput()
     SetConnectionsDisabled(false);
 }
 
+void IOTriggerWidget::createOutputRow(int i)
+{
+    QGridLayout* grid = ui.grid_Output;
+    const int gridRow = i + 1;
+
+    QLabel* label = new QLabel(m_Outputs.at(i) + ": ");
+    m_OutLineLabels.insert(i, label);
+    grid->addWidget(label, gridRow, 0, Qt::AlignLeft);
+
+    QSharedPointer<OutputRow> row(new OutputRow);
+    m_OutputRows.append(row);
+
+    row->m_pComboSource.reset(new QComboBox);
+    row->m_pComboSource->setSizeAdjustPolicy(QComboBox::AdjustToContentsOnFirstShow);
+    row->m_pComboSource->setMaximumWidth(95);
+    connect(row->m_pComboSource.data(), SIGNAL(currentIndexChanged(QString)), this,
+            SLOT(OnComboOutSourceChanged(QString)));
+    grid->addWidget(row->m_pComboSource.data(), gridRow, 1, Qt::Alignment());
+
+    row->m_pCBInvert.reset(new QCheckBox);
+    connect(row->m_pCBInvert.data(), SIGNAL(stateChanged(int)), this, SLOT(OnCBOutInvertChanged(int)));
+    grid->addWidget(row->m_pCBInvert.data(), gridRow, 2, Qt::AlignCenter);
+
+    row->m_pCBStatus.reset(new QCheckBox);
+    connect(row->m_pCBStatus.data(), SIGNAL(stateChanged(int)), this, SLOT(OnCBOutStatusChanged(int)));
+    grid->addWidget(row->m_pCBStatus.data(), gridRow, 3, Qt::AlignCenter);
+
+    if (!m_bUserOutputSelector)
+        return;
+
+    // Only shows the binding of the line; never edited, so not connected.
+    row->m_pComboUserOutSelector.reset(new QComboBox);
+    row->m_pComboUserOutSelector->setSizeAdjustPolicy(QComboBox::AdjustToContentsOnFirstShow);
+    row->m_pComboUserOutSelector->setLayoutDirection(Qt::RightToLeft);
+    grid->addWidget(row->m_pComboUserOutSelector.data(), gridRow, 4, Qt::Alignment());
+
+    // There are five user value slots; the boxes of later rows stay unconnected.
+    row->m_pCBUserValue.reset(new QCheckBox);
+    static const char* const userValueSlots[] = {
+        SLOT(OnCBOutUserValueChanged1(int)), SLOT(OnCBOutUserValueChanged2(int)), SLOT(OnCBOutUserValueChanged3(int)),
+        SLOT(OnCBOutUserValueChanged4(int)), SLOT(OnCBOutUserValueChanged5(int))};
+    if (i < 5)
+        connect(row->m_pCBUserValue.data(), SIGNAL(stateChanged(int)), this, userValueSlots[i]);
+    grid->addWidget(row->m_pCBUserValue.data(), gridRow, 5, Qt::AlignCenter);
+}
+
+void IOTriggerWidget::createSyncLevelsRow(int gridRow)
+{
+    // A rebuild replaces the sync-levels row of the previous build, which would
+    // otherwise stay in the grid next to the new one.
+    delete m_pLabelSyncLevels;
+    m_pLabelSyncLevels = nullptr;
+    delete m_pEditSyncLevels;
+    m_pEditSyncLevels = nullptr;
+
+    if (!m_pFeatureManager->GetIsFeatureAvailable("SyncOutLevels", "LineOutLevels"))
+        return;
+
+    m_pLabelSyncLevels =
+        new QLabel(m_pFeatureManager->GetIsFeatureAvailable("LineOutLevels") ? tr("LineOutLevels") : tr("SyncLevels:"));
+    ui.grid_Output->addWidget(m_pLabelSyncLevels, gridRow, 0, Qt::Alignment());
+
+    m_pEditSyncLevels = new QLineEdit;
+    m_pEditSyncLevels->setReadOnly(true);
+    m_pEditSyncLevels->setMaximumWidth(65);
+    m_pEditSyncLevels->setStyleSheet("QLineEdit {background-color: gray;}");
+    m_pEditSyncLevels->setAlignment(Qt::AlignCenter);
+    ui.grid_Output->addWidget(m_pEditSyncLevels, gridRow, 3, Qt::AlignCenter);
+}
+
+// ---------------------------------------------------------------- which boxes can be edited
+
+bool IOTriggerWidget::carriesPlainState(const OutputRow& row, bool lineFamily) const
+{
+    return row.m_pComboSource->currentText() == (lineFamily ? "Direct" : "GPO");
+}
+
+bool IOTriggerWidget::statusWritable(bool lineFamily) const
+{
+    if (lineFamily)
+        return m_pFeatureManager->GetIsWritable("LineStatus");
+    return m_pFeatureManager->GetIsWritable("LineOutLevels", "SyncOutLevels");
+}
+
+void IOTriggerWidget::enableStatusBox(const OutputRow& row, bool lineFamily) const
+{
+    row.m_pCBStatus->setEnabled(carriesPlainState(row, lineFamily) && statusWritable(lineFamily));
+}
+
+void IOTriggerWidget::enableUserValueBox(const OutputRow& row) const
+{
+    if (row.m_pCBUserValue)
+        row.m_pCBUserValue->setEnabled(row.m_pComboSource->currentText().contains("UserOutput"));
+}
+
+// ---------------------------------------------------------------- refresh and edits
+
 void IOTriggerWidget::updateOutSource()
 {
     const Selector selector = outputSelector();
@@ -219,11 +254,8 @@ void IOTriggerWidget::updateOutSource()
                          const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
                          if (selected)
                              updateComboBox("LineSource", row->m_pComboSource.data(), true);
-                         const QString source = row->m_pComboSource->currentText();
-                         row->m_pCBStatus->setEnabled(source == "Direct" &&
-                                                      m_pFeatureManager->GetIsWritable("LineStatus"));
-                         if (m_bUserOutputSelector && row->m_pCBUserValue)
-                             row->m_pCBUserValue->setEnabled(source.contains("UserOutput"));
+                         enableStatusBox(*row, true);
+                         enableUserValueBox(*row);
                          return true;
                      });
     }
@@ -239,8 +271,7 @@ void IOTriggerWidget::updateOutSource()
                 const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
                 if (selected)
                     updateComboBox(sourceFeature, row->m_pComboSource.data(), true);
-                row->m_pCBStatus->setEnabled(row->m_pComboSource->currentText() == "GPO" &&
-                                             m_pFeatureManager->GetIsWritable("LineOutLevels", "SyncOutLevels"));
+                enableStatusBox(*row, false);
                 return true;
             });
     }
@@ -305,8 +336,7 @@ void IOTriggerWidget::updateOutStatus()
                          return true;
                      const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
                      row->m_pCBStatus->setChecked(m_pFeatureManager->GetValue("LineStatus") != 0.0);
-                     row->m_pCBStatus->setEnabled(row->m_pComboSource->currentText() == "Direct" &&
-                                                  m_pFeatureManager->GetIsWritable("LineStatus"));
+                     enableStatusBox(*row, true);
                      return true;
                  });
 }
@@ -328,10 +358,8 @@ void IOTriggerWidget::OnComboOutSourceChanged(QString text)
                          const QString source = row->m_pComboSource->currentText();
                          if (selected && source == text)
                              OnComboChanged("LineSource", QString::fromLatin1(source.toLatin1()));
-                         row->m_pCBStatus->setEnabled(source == "Direct" &&
-                                                      m_pFeatureManager->GetIsWritable("LineStatus"));
-                         if (m_bUserOutputSelector && row->m_pCBUserValue)
-                             row->m_pCBUserValue->setEnabled(source.contains("UserOutput"));
+                         enableStatusBox(*row, true);
+                         enableUserValueBox(*row);
                          return true;
                      });
     }
@@ -347,8 +375,7 @@ void IOTriggerWidget::OnComboOutSourceChanged(QString text)
                          const QString source = row->m_pComboSource->currentText();
                          if (source == text)
                              m_pFeatureManager->SetValue("LineOutSource", "SyncOutSource", source);
-                         row->m_pCBStatus->setEnabled(
-                             source == "GPO" && m_pFeatureManager->GetIsWritable("LineOutLevels", "SyncOutLevels"));
+                         enableStatusBox(*row, false);
                          return true;
                      });
     }

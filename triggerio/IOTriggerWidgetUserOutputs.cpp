@@ -19,8 +19,8 @@ void IOTriggerWidget::updateSyncLevels()
     {
         const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
         row->m_pCBStatus->setChecked(((levels >> (i % 64)) & 1) != 0);
-        row->m_pCBStatus->setEnabled(m_pFeatureManager->GetIsWritable("LineOutLevels", "SyncOutLevels") &&
-                                     row->m_pComboSource->currentText() == "GPO");
+        // Here the writability is asked for every row, before the source.
+        row->m_pCBStatus->setEnabled(statusWritable(false) && carriesPlainState(*row, false));
     }
     if (m_pEditSyncLevels)
         m_pEditSyncLevels->setText(QString::number(levels));
@@ -88,10 +88,7 @@ void IOTriggerWidget::updateUserOutValue()
                  });
 
     for (const QSharedPointer<OutputRow>& row : qAsConst(m_OutputRows))
-    {
-        if (row->m_pCBUserValue)
-            row->m_pCBUserValue->setEnabled(row->m_pComboSource->currentText().contains("UserOutput"));
-    }
+        enableUserValueBox(*row);
 }
 
 void IOTriggerWidget::SetOnCBOutUserValueChanged(int row, int state)
