@@ -39,9 +39,6 @@ IOTriggerWidget::IOTriggerWidget(const FeatureList& features, QWidget* parent)
     else
         delete translator;
 
-    // The controls only some cameras get start null (member initialisers): a null
-    // member means the camera has no such control.
-
     m_bUserOutputSelector =
         m_pFeatureManager->GetFeatureName(QStringList() << "UserOutputSelector") == "UserOutputSelector";
 
@@ -147,7 +144,8 @@ void IOTriggerWidget::updateInit()
                  &IOTriggerWidget::updateTriggerActivation});
     if (changed.contains("TriggerSelector"))
         refresh({&IOTriggerWidget::updateTriggerSelector});
-    // The frame count follows "AcquisitionMode"; this spelling never matches on its own.
+    // This spelling never equals the observed "AcquisitionFrameCount": the frame
+    // count is refreshed together with the acquisition mode below.
     if (changed.contains("AcquisitionFramecount"))
         refresh({&IOTriggerWidget::updateAcquisitionFrameCount});
     if (changed.contains("AcquisitionMode"))
@@ -166,7 +164,8 @@ void IOTriggerWidget::updateInit()
         refresh({&IOTriggerWidget::updateOutInvert});
     if (changed.contains("LineStatus"))
         refresh({&IOTriggerWidget::updateOutStatus, &IOTriggerWidget::updateOutInvert});
-    // Only "SyncOutLevels" fires here; this spelling of the other name never matches.
+    // "LineOutlevels" never equals the observed "LineOutLevels", so only a change
+    // of "SyncOutLevels" refreshes the levels.
     if (changed.contains("SyncOutLevels") || changed.contains("LineOutlevels"))
         refresh({&IOTriggerWidget::updateSyncLevels});
     if (changed.contains("UserOutSelector"))
