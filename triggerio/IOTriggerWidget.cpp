@@ -31,13 +31,11 @@ IOTriggerWidget::IOTriggerWidget(const FeatureList& features, QWidget* parent)
     if (title.isEmpty())
         throw TENotSupported("IOTriggerWidget", "Trigger functionality not available, widget not constructed");
 
-    // An installed translator stays for the life of the application; one that
-    // found no file is not needed.
+    // The translator stays for the rest of the process, installed only when it
+    // found a file.
     QTranslator* translator = GetTranslator("tabextensiontriggerio");
     if (!translator->isEmpty())
         QApplication::installTranslator(translator);
-    else
-        delete translator;
 
     m_bUserOutputSelector =
         m_pFeatureManager->GetFeatureName(QStringList() << "UserOutputSelector") == "UserOutputSelector";

@@ -193,13 +193,8 @@ void IOTriggerWidget::createOutputRow(int i)
 
 void IOTriggerWidget::createSyncLevelsRow(int gridRow)
 {
-    // A rebuild replaces the sync-levels row of the previous build, which would
-    // otherwise stay in the grid next to the new one.
-    delete m_pLabelSyncLevels;
-    m_pLabelSyncLevels = nullptr;
-    delete m_pEditSyncLevels;
-    m_pEditSyncLevels = nullptr;
-
+    // Every build makes a new label and field below its last output row. On a
+    // rebuild the previous pair stays in the grid where it was, no longer updated.
     if (!m_pFeatureManager->GetIsFeatureAvailable("SyncOutLevels", "LineOutLevels"))
         return;
 
