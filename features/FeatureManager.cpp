@@ -43,8 +43,8 @@ FeatureManager::FeaturePtr FeatureManager::GetFeatureByName(const QString& name,
                                                             const QString& alt2) const
 {
     FeaturePtr feature = GetFeatureByName(name, alt1);
-    // The second alternative is searched once more here; it cannot change the
-    // result but it is part of the established sequence of name queries.
+    // When the first two names are missing, the second one is looked up a second
+    // time before the third; the repeat finds nothing new.
     if (!feature && !alt1.isEmpty())
         feature = GetFeatureByName(alt1);
     if (!feature && !alt2.isEmpty())
@@ -604,8 +604,8 @@ QString FeatureManager::SetValue(const QString& name, const QString& alt1, const
     {
         // The camera decides whether the text fits; its answer is not looked at.
         feature->SetValue(value.toStdString().c_str());
-        // A string read named after the written text follows every write; its
-        // result is not used, but the read is part of the write sequence.
+        // Every text write is followed by a string read of the feature named like
+        // the written text (usually there is none); the result is not used.
         GetStringValue(value);
     }
     return value;

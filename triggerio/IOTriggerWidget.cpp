@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDebug>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
@@ -32,16 +33,11 @@ IOTriggerWidget::IOTriggerWidget(const FeatureList& features, QWidget* parent)
     if (title.isEmpty())
         throw TENotSupported("IOTriggerWidget", "Trigger functionality not available, widget not constructed");
 
-    // An installed translator stays for the life of the application; one that
-    // found no file is not needed.
+    // The translator stays for the rest of the process, installed only when it
+    // found a file.
     QTranslator* translator = GetTranslator("tabextensiontriggerio");
     if (!translator->isEmpty())
         QApplication::installTranslator(translator);
-    else
-        delete translator;
-
-    // The controls only some cameras get start null (member initialisers): a null
-    // member means the camera has no such control.
 
     m_bUserOutputSelector =
         m_pFeatureManager->GetFeatureName(QStringList() << "UserOutputSelector") == "UserOutputSelector";
@@ -50,28 +46,12 @@ IOTriggerWidget::IOTriggerWidget(const FeatureList& features, QWidget* parent)
     m_nOptionalOutputs = GetOptionalOutputs(&m_OptionalOutputs);
 
     // "UserOutputSelector" is left out on purpose: the tab moves it itself.
-    m_ObservedFeatures << "TriggerActivation"
-                       << "TriggerSource"
-                       << "TriggerMode"
-                       << "TriggerSelector"
-                       << "AcquisitionFrameCount"
-                       << "AcquisitionMode"
-                       << "LineRouting"
-                       << "LineSelector"
-                       << "LineSource"
-                       << "SyncOutSource"
-                       << "LineInverter"
-                       << "SyncOutPolarity"
-                       << "LineStatus"
-                       << "SyncOutLevels"
-                       << "UserOutSelector"
-                       << "UserOutputValue"
-                       << "LineMode"
-                       << "LineOutSource"
-                       << "LineOutPolarity"
-                       << "LineOutLevels"
-                       << "ExposureMode"
-                       << "ExposureAuto";
+    m_ObservedFeatures << QStringList{
+        "TriggerActivation", "TriggerSource",   "TriggerMode",   "TriggerSelector", "AcquisitionFrameCount",
+        "AcquisitionMode",   "LineRouting",     "LineSelector",  "LineSource",      "SyncOutSource",
+        "LineInverter",      "SyncOutPolarity", "LineStatus",    "SyncOutLevels",   "UserOutSelector",
+        "UserOutputValue",   "LineMode",        "LineOutSource", "LineOutPolarity", "LineOutLevels",
+        "ExposureMode",      "ExposureAuto"};
 
     ui->setupUi(this);
     ui->l_notAcquireHint->setStyleSheet("color : rgb(64,94,127);");
@@ -164,7 +144,8 @@ void IOTriggerWidget::updateInit()
                  &IOTriggerWidget::updateTriggerActivation});
     if (changed.contains("TriggerSelector"))
         refresh({&IOTriggerWidget::updateTriggerSelector});
-    // The frame count follows "AcquisitionMode"; this spelling never matches on its own.
+    // This spelling never equals the observed "AcquisitionFrameCount": the frame
+    // count is refreshed together with the acquisition mode below.
     if (changed.contains("AcquisitionFramecount"))
         refresh({&IOTriggerWidget::updateAcquisitionFrameCount});
     if (changed.contains("AcquisitionMode"))
@@ -183,7 +164,8 @@ void IOTriggerWidget::updateInit()
         refresh({&IOTriggerWidget::updateOutInvert});
     if (changed.contains("LineStatus"))
         refresh({&IOTriggerWidget::updateOutStatus, &IOTriggerWidget::updateOutInvert});
-    // Only "SyncOutLevels" fires here; this spelling of the other name never matches.
+    // "LineOutlevels" never equals the observed "LineOutLevels", so only a change
+    // of "SyncOutLevels" refreshes the levels.
     if (changed.contains("SyncOutLevels") || changed.contains("LineOutlevels"))
         refresh({&IOTriggerWidget::updateSyncLevels});
     if (changed.contains("UserOutSelector"))
@@ -234,4 +216,72 @@ void IOTriggerWidget::rebuildOutputs()
 void IOTriggerWidget::OnComboChanged(QString featureName, QString currentVal)
 {
     m_pFeatureManager->SetValue(featureName, currentVal);
+}
+
+// ---------------------------------------------------------------- selector walks
+
+IOTriggerWidget::Selector IOTriggerWidget::lineSelector() const
+{
+    return {"LineSelector", QString(), m_pFeatureManager->GetStringValue("LineSelector")};
+}
+
+IOTriggerWidget::Selector IOTriggerWidget::outputSelector() const
+{
+    Selector selector = lineSelector();
+    if (!selector.found())
+        selector = {"LineOutSelector", "SyncOutSelector",
+                    m_pFeatureManager->GetStringValue("LineOutSelector", "SyncOutSelector")};
+    return selector;
+}
+
+IOTriggerWidget::Selector IOTriggerWidget::userOutputSelector() const
+{
+    return {"UserOutputSelector", QString(), m_pFeatureManager->GetStringValue("UserOutputSelector")};
+}
+
+QString IOTriggerWidget::select(const Selector& selector, const QString& entry) const
+{
+    if (selector.alt.isEmpty())
+        return m_pFeatureManager->SetValue(selector.name, entry);
+    return m_pFeatureManager->SetValue(selector.name, selector.alt, entry);
+}
+
+void IOTriggerWidget::restoreSelector(const Selector& selector, const Restore& restore) const
+{
+    const QString result = select(selector, selector.saved);
+    if (restore.log == Restore::Always)
+    {
+        QDebug debug = qDebug();
+        debug << restore.function;
+        if (restore.message)
+            debug << restore.message;
+        debug << result;
+    }
+    else if (restore.log == Restore::OnFailure && result.isEmpty())
+    {
+        qDebug() << restore.function << restore.message;
+    }
+}
+
+void IOTriggerWidget::walkSelector(const Selector& selector, const QStringList& entries, const Restore& restore,
+                                   const std::function<bool(int, bool)>& visit)
+{
+    for (int i = 0; i < entries.size(); ++i)
+    {
+        const bool selected = !select(selector, entries.at(i)).isEmpty();
+        if (!visit(i, selected))
+            return;
+        if (restore.when == Restore::AfterEachLine)
+            restoreSelector(selector, restore);
+    }
+    if (restore.when == Restore::AtEnd)
+        restoreSelector(selector, restore);
+}
+
+QStringList IOTriggerWidget::outputLines() const
+{
+    QStringList lines;
+    for (int i = 0; i < m_OutputRows.size(); ++i)
+        lines << m_Outputs.value(i);
+    return lines;
 }

@@ -9,6 +9,7 @@
 #include <QStringList>
 #include <QVector>
 
+#include <functional>
 #include <memory>
 
 class QCheckBox;
@@ -26,12 +27,16 @@ namespace Ui
 class IOTriggerWidget;
 }
 
+// Steps of the quick settings (IOTriggerWidgetQuickSettings.cpp).
+struct PresetStep;
+struct QuickSetting;
+
 // The "Trigger IO" tab: trigger input, acquisition, exposure and input line
 // controls, quick trigger presets, output lines and selectable outputs of one
 // camera. Refreshes never write to the camera; only the On... slots do.
 //
 // The class is split by section over several source files:
-//   IOTriggerWidget.cpp                   construction, destruction, refresh dispatch
+//   IOTriggerWidget.cpp                   construction, destruction, refresh dispatch, selector walks
 //   IOTriggerWidgetStreamingLock.cpp      streaming lock and signal blocking
 //   IOTriggerWidgetTriggerInput.cpp       trigger input controls, refreshes and edits
 //   IOTriggerWidgetQuickSettings.cpp      Edge, Level and Bulk presets
@@ -163,7 +168,87 @@ protected:
     QStringList m_Outputs;
 
 private:
+    // Trigger input section, in the order of building
+    void createTriggerControls();
+    void createTriggerGroup();
+    void createAcquisitionGroup();
+    void createQuickSettingsGroup();
+    void initLineRouting();
+    void initExposure();
+    void connectTriggerInput();
+
+    // Output rows
+    void createOutputRow(int i);
+    void createSyncLevelsRow(int gridRow);
+    // A row's status box can be edited when its line carries its plain state
+    // ("Direct" for output lines, "GPO" for sync outputs) and that state is
+    // writable; its user value box when a user output drives the line.
+    bool carriesPlainState(const OutputRow& row, bool lineFamily) const;
+    bool statusWritable(bool lineFamily) const;
+    void enableStatusBox(const OutputRow& row, bool lineFamily) const;
+    void enableUserValueBox(const OutputRow& row) const;
+
+    // A selector feature the tab points at one line after another, and the
+    // entry it held before.
+    struct Selector
+    {
+        QString name;
+        QString alt; // the camera's other name for it; empty when there is none
+        QString saved;
+
+        bool found() const
+        {
+            return !saved.isEmpty();
+        }
+        bool isLineSelector() const
+        {
+            return name == "LineSelector";
+        }
+    };
+
+    // When a walk puts its selector back, and what it logs about that.
+    struct Restore
+    {
+        enum When
+        {
+            AfterEachLine,
+            AtEnd
+        };
+        enum Log
+        {
+            Never,
+            OnFailure, // function and message when the write back returned an empty text
+            Always     // function, message (if any) and the text the write back returned
+        };
+        When when;
+        Log log;
+        const char* function;
+        const char* message;
+    };
+
+    Selector lineSelector() const;
+    // "LineSelector" when it can be read, else the sync-out family's selector.
+    Selector outputSelector() const;
+    Selector userOutputSelector() const;
+    QString select(const Selector& selector, const QString& entry) const;
+    void restoreSelector(const Selector& selector, const Restore& restore) const;
+    // Points the selector at each entry in turn and calls visit(index, selected),
+    // selected telling whether the selector write succeeded. When visit returns
+    // false the walk stops at once and the selector stays on that entry.
+    void walkSelector(const Selector& selector, const QStringList& entries, const Restore& restore,
+                      const std::function<bool(int, bool)>& visit);
+    // The selector entry of every output row.
+    QStringList outputLines() const;
+    // Numeric writes are judged by a one-character text made from the returned
+    // number; such a text is never empty.
+    static QString numericResultText(double value);
+
     void rebuildOutputs();
+
+    // Runs the variant of a preset that fits the camera; false when the tab was
+    // deleted meanwhile (then no member may be touched).
+    bool runQuickSetting(const QuickSetting& setting);
+    bool runPresetStep(const PresetStep& presetStep, const char* value);
 };
 
 #endif

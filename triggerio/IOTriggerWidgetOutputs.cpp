@@ -9,55 +9,10 @@
 #include <QLabel>
 #include <QLineEdit>
 
-namespace
-{
-
-// The line selector of the camera's family, decided afresh by every output
-// function: the line family addresses its outputs through "LineSelector", the
-// sync-out family through "LineOutSelector", else "SyncOutSelector".
-struct OutputSelector
-{
-    explicit OutputSelector(const FeatureManager* manager)
-        : features(manager)
-        , saved(manager->GetStringValue("LineSelector"))
-    {
-        lineFamily = !saved.isEmpty();
-        if (!lineFamily)
-            saved = features->GetStringValue("LineOutSelector", "SyncOutSelector");
-    }
-
-    // False when neither family's selector can be read.
-    bool found() const
-    {
-        return !saved.isEmpty();
-    }
-
-    // Points the selector at a line; an empty result means the write failed.
-    QString select(const QString& line) const
-    {
-        if (lineFamily)
-            return features->SetValue("LineSelector", line);
-        return features->SetValue("LineOutSelector", "SyncOutSelector", line);
-    }
-
-    QString restore() const
-    {
-        return select(saved);
-    }
-
-    const FeatureManager* features;
-    QString saved;
-    bool lineFamily = true;
-};
-
-// Numeric writes are judged by a one-character text made from the returned
-// number; such a text is never empty.
-QString resultText(double value)
+QString IOTriggerWidget::numericResultText(double value)
 {
     return QString(QChar(static_cast<ushort>(static_cast<int>(value) & 0xFF)));
 }
-
-} // namespace
 
 int IOTriggerWidget::GetOutputs(QStringList* outputs)
 {
@@ -75,23 +30,22 @@ int IOTriggerWidget::GetOutputs(QStringList* outputs)
         return count;
     }
 
-    const QString saved = m_pFeatureManager->GetStringValue("LineSelector");
-    for (const QString& line : lines)
-    {
-        if (!m_pFeatureManager->SetValue("LineSelector", line).isEmpty())
+    const Selector selector = lineSelector();
+    walkSelector(
+        selector, lines,
+        {Restore::AfterEachLine, Restore::OnFailure, "GetOutputs", "Error: SetValue(LineSelector) retValue == ''"},
+        [&](int i, bool selected)
         {
+            if (!selected)
+                return true;
             const QString mode = m_pFeatureManager->GetStringValue("LineMode");
             if (!mode.isEmpty() && mode == "Output")
             {
-                outputs->append(line);
+                outputs->append(lines.at(i));
                 ++count;
             }
-        }
-        // Put the selector back after every line.
-        if (m_pFeatureManager->SetValue("LineSelector", saved).isEmpty())
-            qDebug() << "GetOutputs"
-                     << "Error: SetValue(LineSelector) retValue == ''";
-    }
+            return true;
+        });
     return count;
 }
 
@@ -100,17 +54,19 @@ QList<int> IOTriggerWidget::DetermineOutsIndex()
     QList<int> outsIndex;
     SetConnectionsDisabled(true);
     const QString current = m_pComboInputLineSelector ? m_pComboInputLineSelector->currentText() : QString();
-    const QString saved = m_pFeatureManager->GetStringValue("LineSelector");
+    const Selector selector = lineSelector();
 
     const int count = m_pComboInputLineSelector ? m_pComboInputLineSelector->count() : 0;
+    QStringList lines;
     for (int i = 0; i < count; ++i)
-    {
-        const QString line = QString::fromLatin1(m_pComboInputLineSelector->itemText(i).toLatin1());
-        if (!m_pFeatureManager->SetValue("LineSelector", line).isEmpty() &&
-            m_pFeatureManager->GetStringValue("LineMode") == "Output")
-            outsIndex.append(i);
-    }
-    m_pFeatureManager->SetValue("LineSelector", saved);
+        lines << QString::fromLatin1(m_pComboInputLineSelector->itemText(i).toLatin1());
+    walkSelector(selector, lines, {Restore::AtEnd, Restore::Never, "DetermineOutsIndex", nullptr},
+                 [&](int i, bool selected)
+                 {
+                     if (selected && m_pFeatureManager->GetStringValue("LineMode") == "Output")
+                         outsIndex.append(i);
+                     return true;
+                 });
 
     if (m_pComboInputLineSelector)
     {
@@ -168,76 +124,14 @@ void IOTriggerWidget::createOutput()
     ui->gb_Output->setMaximumHeight(height);
 
     for (int i = 0; i < count; ++i)
-    {
-        const int gridRow = i + 1;
-
-        QLabel* label = new QLabel(m_Outputs.at(i) + ": ");
-        m_OutLineLabels.insert(i, label);
-        grid->addWidget(label, gridRow, 0, Qt::AlignLeft);
-
-        QSharedPointer<OutputRow> row(new OutputRow);
-        m_OutputRows.append(row);
-
-        row->m_pComboSource.reset(new QComboBox);
-        row->m_pComboSource->setSizeAdjustPolicy(QComboBox::AdjustToContentsOnFirstShow);
-        row->m_pComboSource->setMaximumWidth(95);
-        connect(row->m_pComboSource.data(), SIGNAL(currentIndexChanged(QString)), this,
-                SLOT(OnComboOutSourceChanged(QString)));
-        grid->addWidget(row->m_pComboSource.data(), gridRow, 1, Qt::Alignment());
-
-        row->m_pCBInvert.reset(new QCheckBox);
-        connect(row->m_pCBInvert.data(), SIGNAL(stateChanged(int)), this, SLOT(OnCBOutInvertChanged(int)));
-        grid->addWidget(row->m_pCBInvert.data(), gridRow, 2, Qt::AlignCenter);
-
-        row->m_pCBStatus.reset(new QCheckBox);
-        connect(row->m_pCBStatus.data(), SIGNAL(stateChanged(int)), this, SLOT(OnCBOutStatusChanged(int)));
-        grid->addWidget(row->m_pCBStatus.data(), gridRow, 3, Qt::AlignCenter);
-
-        if (m_bUserOutputSelector)
-        {
-            // Only shows the binding of the line; never edited, so not connected.
-            row->m_pComboUserOutSelector.reset(new QComboBox);
-            row->m_pComboUserOutSelector->setSizeAdjustPolicy(QComboBox::AdjustToContentsOnFirstShow);
-            row->m_pComboUserOutSelector->setLayoutDirection(Qt::RightToLeft);
-            grid->addWidget(row->m_pComboUserOutSelector.data(), gridRow, 4, Qt::Alignment());
-
-            // There are five user value slots; the boxes of later rows stay unconnected.
-            row->m_pCBUserValue.reset(new QCheckBox);
-            static const char* const userValueSlots[] = {
-                SLOT(OnCBOutUserValueChanged1(int)), SLOT(OnCBOutUserValueChanged2(int)),
-                SLOT(OnCBOutUserValueChanged3(int)), SLOT(OnCBOutUserValueChanged4(int)),
-                SLOT(OnCBOutUserValueChanged5(int))};
-            if (i < 5)
-                connect(row->m_pCBUserValue.data(), SIGNAL(stateChanged(int)), this, userValueSlots[i]);
-            grid->addWidget(row->m_pCBUserValue.data(), gridRow, 5, Qt::AlignCenter);
-        }
-    }
+        createOutputRow(i);
 
     grid->setColumnStretch(0, 1);
     grid->setColumnStretch(1, 3);
     for (int column = 2; column <= 5; ++column)
         grid->setColumnStretch(column, 1);
 
-    // A rebuild replaces the sync-levels row of the previous build, which would
-    // otherwise stay in the grid next to the new one.
-    delete m_pLabelSyncLevels;
-    m_pLabelSyncLevels = nullptr;
-    delete m_pEditSyncLevels;
-    m_pEditSyncLevels = nullptr;
-
-    if (m_pFeatureManager->GetIsFeatureAvailable("SyncOutLevels", "LineOutLevels"))
-    {
-        m_pLabelSyncLevels = new QLabel(m_pFeatureManager->GetIsFeatureAvailable("LineOutLevels") ? tr("LineOutLevels")
-                                                                                                  : tr("SyncLevels:"));
-        grid->addWidget(m_pLabelSyncLevels, count + 1, 0, Qt::Alignment());
-
-        m_pEditSyncLevels = new QLineEdit;
-        m_pEditSyncLevels->setReadOnly(true);
-        m_pEditSyncLevels->setMaximumWidth(65);
-        m_pEditSyncLevels->setStyleSheet("QLineEdit {background-color: gray;}");
-        m_pEditSyncLevels->setAlignment(Qt::AlignCenter);
-        grid->addWidget(m_pEditSyncLevels, count + 1, 3, Qt::AlignCenter);
-    }
+    createSyncLevelsRow(count + 1);
 
     SetConnectionsDisabled(true);
     updateOutSource();
@@ -252,38 +146,130 @@ void IOTriggerWidget::createOutput()
     SetConnectionsDisabled(false);
 }
 
+void IOTriggerWidget::createOutputRow(int i)
+{
+    QGridLayout* grid = ui->grid_Output;
+    const int gridRow = i + 1;
+
+    QLabel* label = new QLabel(m_Outputs.at(i) + ": ");
+    m_OutLineLabels.insert(i, label);
+    grid->addWidget(label, gridRow, 0, Qt::AlignLeft);
+
+    QSharedPointer<OutputRow> row(new OutputRow);
+    m_OutputRows.append(row);
+
+    row->m_pComboSource.reset(new QComboBox);
+    row->m_pComboSource->setSizeAdjustPolicy(QComboBox::AdjustToContentsOnFirstShow);
+    row->m_pComboSource->setMaximumWidth(95);
+    connect(row->m_pComboSource.data(), SIGNAL(currentIndexChanged(QString)), this,
+            SLOT(OnComboOutSourceChanged(QString)));
+    grid->addWidget(row->m_pComboSource.data(), gridRow, 1, Qt::Alignment());
+
+    row->m_pCBInvert.reset(new QCheckBox);
+    connect(row->m_pCBInvert.data(), SIGNAL(stateChanged(int)), this, SLOT(OnCBOutInvertChanged(int)));
+    grid->addWidget(row->m_pCBInvert.data(), gridRow, 2, Qt::AlignCenter);
+
+    row->m_pCBStatus.reset(new QCheckBox);
+    connect(row->m_pCBStatus.data(), SIGNAL(stateChanged(int)), this, SLOT(OnCBOutStatusChanged(int)));
+    grid->addWidget(row->m_pCBStatus.data(), gridRow, 3, Qt::AlignCenter);
+
+    if (!m_bUserOutputSelector)
+        return;
+
+    // Only shows the binding of the line; never edited, so not connected.
+    row->m_pComboUserOutSelector.reset(new QComboBox);
+    row->m_pComboUserOutSelector->setSizeAdjustPolicy(QComboBox::AdjustToContentsOnFirstShow);
+    row->m_pComboUserOutSelector->setLayoutDirection(Qt::RightToLeft);
+    grid->addWidget(row->m_pComboUserOutSelector.data(), gridRow, 4, Qt::Alignment());
+
+    // There are five user value slots; the boxes of later rows stay unconnected.
+    row->m_pCBUserValue.reset(new QCheckBox);
+    static const char* const userValueSlots[] = {
+        SLOT(OnCBOutUserValueChanged1(int)), SLOT(OnCBOutUserValueChanged2(int)), SLOT(OnCBOutUserValueChanged3(int)),
+        SLOT(OnCBOutUserValueChanged4(int)), SLOT(OnCBOutUserValueChanged5(int))};
+    if (i < 5)
+        connect(row->m_pCBUserValue.data(), SIGNAL(stateChanged(int)), this, userValueSlots[i]);
+    grid->addWidget(row->m_pCBUserValue.data(), gridRow, 5, Qt::AlignCenter);
+}
+
+void IOTriggerWidget::createSyncLevelsRow(int gridRow)
+{
+    // Every build makes a new label and field below its last output row. On a
+    // rebuild the previous pair stays in the grid where it was, no longer updated.
+    if (!m_pFeatureManager->GetIsFeatureAvailable("SyncOutLevels", "LineOutLevels"))
+        return;
+
+    m_pLabelSyncLevels =
+        new QLabel(m_pFeatureManager->GetIsFeatureAvailable("LineOutLevels") ? tr("LineOutLevels") : tr("SyncLevels:"));
+    ui->grid_Output->addWidget(m_pLabelSyncLevels, gridRow, 0, Qt::Alignment());
+
+    m_pEditSyncLevels = new QLineEdit;
+    m_pEditSyncLevels->setReadOnly(true);
+    m_pEditSyncLevels->setMaximumWidth(65);
+    m_pEditSyncLevels->setStyleSheet("QLineEdit {background-color: gray;}");
+    m_pEditSyncLevels->setAlignment(Qt::AlignCenter);
+    ui->grid_Output->addWidget(m_pEditSyncLevels, gridRow, 3, Qt::AlignCenter);
+}
+
+// ---------------------------------------------------------------- which boxes can be edited
+
+bool IOTriggerWidget::carriesPlainState(const OutputRow& row, bool lineFamily) const
+{
+    return row.m_pComboSource->currentText() == (lineFamily ? "Direct" : "GPO");
+}
+
+bool IOTriggerWidget::statusWritable(bool lineFamily) const
+{
+    if (lineFamily)
+        return m_pFeatureManager->GetIsWritable("LineStatus");
+    return m_pFeatureManager->GetIsWritable("LineOutLevels", "SyncOutLevels");
+}
+
+void IOTriggerWidget::enableStatusBox(const OutputRow& row, bool lineFamily) const
+{
+    row.m_pCBStatus->setEnabled(carriesPlainState(row, lineFamily) && statusWritable(lineFamily));
+}
+
+void IOTriggerWidget::enableUserValueBox(const OutputRow& row) const
+{
+    if (row.m_pCBUserValue)
+        row.m_pCBUserValue->setEnabled(row.m_pComboSource->currentText().contains("UserOutput"));
+}
+
+// ---------------------------------------------------------------- refresh and edits
+
 void IOTriggerWidget::updateOutSource()
 {
-    const OutputSelector selector(m_pFeatureManager);
-    if (selector.found() && selector.lineFamily)
+    const Selector selector = outputSelector();
+    if (selector.found() && selector.isLineSelector())
     {
-        for (int i = 0; i < m_OutputRows.size(); ++i)
-        {
-            const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
-            if (!selector.select(m_Outputs.value(i)).isEmpty())
-                updateComboBox("LineSource", row->m_pComboSource.data(), true);
-            const QString source = row->m_pComboSource->currentText();
-            row->m_pCBStatus->setEnabled(source == "Direct" && m_pFeatureManager->GetIsWritable("LineStatus"));
-            if (m_bUserOutputSelector && row->m_pCBUserValue)
-                row->m_pCBUserValue->setEnabled(source.contains("UserOutput"));
-        }
-        qDebug() << "updateOutSource"
-                 << "SetValue('LineSelector') = " << selector.restore();
+        walkSelector(selector, outputLines(),
+                     {Restore::AtEnd, Restore::Always, "updateOutSource", "SetValue('LineSelector') = "},
+                     [&](int i, bool selected)
+                     {
+                         const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
+                         if (selected)
+                             updateComboBox("LineSource", row->m_pComboSource.data(), true);
+                         enableStatusBox(*row, true);
+                         enableUserValueBox(*row);
+                         return true;
+                     });
     }
     else if (selector.found())
     {
         const QString sourceFeature =
             m_pFeatureManager->GetIsFeatureAvailable("LineOutSource") ? "LineOutSource" : "SyncOutSource";
-        for (int i = 0; i < m_OutputRows.size(); ++i)
-        {
-            const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
-            if (!selector.select(m_Outputs.value(i)).isEmpty())
-                updateComboBox(sourceFeature, row->m_pComboSource.data(), true);
-            row->m_pCBStatus->setEnabled(row->m_pComboSource->currentText() == "GPO" &&
-                                         m_pFeatureManager->GetIsWritable("LineOutLevels", "SyncOutLevels"));
-        }
-        qDebug() << "updateOutSource"
-                 << "SetValue('LineOutSelector', 'SyncOutSelector') = " << selector.restore();
+        walkSelector(
+            selector, outputLines(),
+            {Restore::AtEnd, Restore::Always, "updateOutSource", "SetValue('LineOutSelector', 'SyncOutSelector') = "},
+            [&](int i, bool selected)
+            {
+                const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
+                if (selected)
+                    updateComboBox(sourceFeature, row->m_pComboSource.data(), true);
+                enableStatusBox(*row, false);
+                return true;
+            });
     }
 
     if (m_bUserOutputSelector)
@@ -292,100 +278,102 @@ void IOTriggerWidget::updateOutSource()
 
 void IOTriggerWidget::updateOutInvert()
 {
-    const OutputSelector selector(m_pFeatureManager);
+    const Selector selector = outputSelector();
     if (!selector.found())
         return;
 
-    if (selector.lineFamily)
+    if (selector.isLineSelector())
     {
-        for (int i = 0; i < m_OutputRows.size(); ++i)
-        {
-            const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
-            if (selector.select(m_Outputs.value(i)).isEmpty())
-                continue;
-            row->m_pCBInvert->setChecked(m_pFeatureManager->GetValue("LineInverter") != 0.0);
-            row->m_pCBInvert->setEnabled(m_pFeatureManager->GetIsWritable("LineInverter"));
-        }
-        qDebug() << "updateOutInvert"
-                 << "SetValue('LineSelector') = " << selector.restore();
+        walkSelector(selector, outputLines(),
+                     {Restore::AtEnd, Restore::Always, "updateOutInvert", "SetValue('LineSelector') = "},
+                     [&](int i, bool selected)
+                     {
+                         if (!selected)
+                             return true;
+                         const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
+                         row->m_pCBInvert->setChecked(m_pFeatureManager->GetValue("LineInverter") != 0.0);
+                         row->m_pCBInvert->setEnabled(m_pFeatureManager->GetIsWritable("LineInverter"));
+                         return true;
+                     });
         return;
     }
 
     // The sync-out family puts its selector back after every row.
-    for (int i = 0; i < m_OutputRows.size(); ++i)
-    {
-        const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
-        if (!selector.select(m_Outputs.value(i)).isEmpty())
-        {
-            const QString polarity = m_pFeatureManager->GetStringValue("LineOutPolarity", "SyncOutPolarity");
-            if (!polarity.isEmpty())
-            {
-                row->m_pCBInvert->setChecked(polarity == "Invert");
-                row->m_pCBInvert->setEnabled(m_pFeatureManager->GetIsWritable("LineOutPolarity", "SyncOutPolarity"));
-            }
-        }
-        qDebug() << "updateOutInvert"
-                 << "SetValue('LineOutSelector', 'SyncOutSelector') = " << selector.restore();
-    }
+    walkSelector(selector, outputLines(),
+                 {Restore::AfterEachLine, Restore::Always, "updateOutInvert",
+                  "SetValue('LineOutSelector', 'SyncOutSelector') = "},
+                 [&](int i, bool selected)
+                 {
+                     const QString polarity =
+                         selected ? m_pFeatureManager->GetStringValue("LineOutPolarity", "SyncOutPolarity") : QString();
+                     if (!polarity.isEmpty())
+                     {
+                         const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
+                         row->m_pCBInvert->setChecked(polarity == "Invert");
+                         row->m_pCBInvert->setEnabled(
+                             m_pFeatureManager->GetIsWritable("LineOutPolarity", "SyncOutPolarity"));
+                     }
+                     return true;
+                 });
 }
 
 void IOTriggerWidget::updateOutStatus()
 {
     // The sync-out family shows its line states through the level mask instead.
-    const QString saved = m_pFeatureManager->GetStringValue("LineSelector");
-    if (saved.isEmpty())
+    const Selector selector = lineSelector();
+    if (!selector.found())
         return;
 
-    for (int i = 0; i < m_OutputRows.size(); ++i)
-    {
-        const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
-        if (m_pFeatureManager->SetValue("LineSelector", m_Outputs.value(i)).isEmpty())
-            continue;
-        row->m_pCBStatus->setChecked(m_pFeatureManager->GetValue("LineStatus") != 0.0);
-        row->m_pCBStatus->setEnabled(row->m_pComboSource->currentText() == "Direct" &&
-                                     m_pFeatureManager->GetIsWritable("LineStatus"));
-    }
-    qDebug() << "updateOutStatus"
-             << "SetValue('LineSelector') = " << m_pFeatureManager->SetValue("LineSelector", saved);
+    walkSelector(selector, outputLines(),
+                 {Restore::AtEnd, Restore::Always, "updateOutStatus", "SetValue('LineSelector') = "},
+                 [&](int i, bool selected)
+                 {
+                     if (!selected)
+                         return true;
+                     const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
+                     row->m_pCBStatus->setChecked(m_pFeatureManager->GetValue("LineStatus") != 0.0);
+                     enableStatusBox(*row, true);
+                     return true;
+                 });
 }
 
 void IOTriggerWidget::OnComboOutSourceChanged(QString text)
 {
     SetConnectionsDisabled(true);
-    const OutputSelector selector(m_pFeatureManager);
+    const Selector selector = outputSelector();
 
     // The sending row is not known: every row showing the chosen text is written.
-    if (selector.found() && selector.lineFamily)
+    if (selector.found() && selector.isLineSelector())
     {
-        for (int i = 0; i < m_OutputRows.size(); ++i)
-        {
-            const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
-            const QString source = row->m_pComboSource->currentText();
-            if (!selector.select(m_Outputs.value(i)).isEmpty() && source == text)
-                OnComboChanged("LineSource", QString::fromLatin1(source.toLatin1()));
-            row->m_pCBStatus->setEnabled(source == "Direct" && m_pFeatureManager->GetIsWritable("LineStatus"));
-            if (m_bUserOutputSelector && row->m_pCBUserValue)
-                row->m_pCBUserValue->setEnabled(source.contains("UserOutput"));
-        }
-        if (selector.restore().isEmpty())
-            qDebug() << "OnComboOutSourceChanged"
-                     << "Error: setValue(LineSelector) returned ''";
+        walkSelector(selector, outputLines(),
+                     {Restore::AtEnd, Restore::OnFailure, "OnComboOutSourceChanged",
+                      "Error: setValue(LineSelector) returned ''"},
+                     [&](int i, bool selected)
+                     {
+                         const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
+                         const QString source = row->m_pComboSource->currentText();
+                         if (selected && source == text)
+                             OnComboChanged("LineSource", QString::fromLatin1(source.toLatin1()));
+                         enableStatusBox(*row, true);
+                         enableUserValueBox(*row);
+                         return true;
+                     });
     }
     else if (selector.found())
     {
-        for (int i = 0; i < m_OutputRows.size(); ++i)
-        {
-            const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
-            const QString source = row->m_pComboSource->currentText();
-            selector.select(m_Outputs.value(i));
-            if (source == text)
-                m_pFeatureManager->SetValue("LineOutSource", "SyncOutSource", source);
-            row->m_pCBStatus->setEnabled(source == "GPO" &&
-                                         m_pFeatureManager->GetIsWritable("LineOutLevels", "SyncOutLevels"));
-        }
-        if (selector.restore().isEmpty())
-            qDebug() << "OnComboOutSourceChanged"
-                     << "Error: setValue(LineOutSelector) returned ''";
+        // Here a failed selector write does not skip the row.
+        walkSelector(selector, outputLines(),
+                     {Restore::AtEnd, Restore::OnFailure, "OnComboOutSourceChanged",
+                      "Error: setValue(LineOutSelector) returned ''"},
+                     [&](int i, bool)
+                     {
+                         const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
+                         const QString source = row->m_pComboSource->currentText();
+                         if (source == text)
+                             m_pFeatureManager->SetValue("LineOutSource", "SyncOutSource", source);
+                         enableStatusBox(*row, false);
+                         return true;
+                     });
     }
 
     if (m_bUserOutputSelector)
@@ -400,42 +388,40 @@ void IOTriggerWidget::OnCBOutInvertChanged(int)
 {
     SetConnectionsDisabled(true);
     UnRegisterFeatureObserver(false);
-    const OutputSelector selector(m_pFeatureManager);
+    const Selector selector = outputSelector();
 
     // Every row's box is written, not only the one that changed.
-    if (selector.found() && selector.lineFamily)
+    if (selector.found() && selector.isLineSelector())
     {
-        for (int i = 0; i < m_OutputRows.size(); ++i)
-        {
-            const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
-            if (selector.select(m_Outputs.value(i)).isEmpty())
-                continue;
-            const double written =
-                m_pFeatureManager->SetValue("LineInverter", row->m_pCBInvert->isChecked() ? 1.0 : 0.0);
-            if (resultText(written).isEmpty())
-                qDebug() << "OnCBOutInvertChanged"
-                         << "LineInverter retValue == ''";
-        }
-        if (selector.restore().isEmpty())
-            qDebug() << "OnCBOutInvertChanged"
-                     << "LineSelector retValue == ''";
+        walkSelector(selector, outputLines(),
+                     {Restore::AtEnd, Restore::OnFailure, "OnCBOutInvertChanged", "LineSelector retValue == ''"},
+                     [&](int i, bool selected)
+                     {
+                         if (!selected)
+                             return true;
+                         const double written = m_pFeatureManager->SetValue(
+                             "LineInverter", m_OutputRows.at(i)->m_pCBInvert->isChecked() ? 1.0 : 0.0);
+                         if (numericResultText(written).isEmpty())
+                             qDebug() << "OnCBOutInvertChanged"
+                                      << "LineInverter retValue == ''";
+                         return true;
+                     });
         updateOutStatus();
     }
     else if (selector.found())
     {
-        for (int i = 0; i < m_OutputRows.size(); ++i)
-        {
-            const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
-            if (selector.select(m_Outputs.value(i)).isEmpty())
-                continue;
-            const QString polarity = row->m_pCBInvert->isChecked() ? "Invert" : "Normal";
-            if (m_pFeatureManager->SetValue("LineOutPolarity", "SyncOutPolarity", polarity).isEmpty())
-                qDebug() << "OnCBOutInvertChanged"
-                         << "LineOutPolarity retValue == ''";
-        }
-        if (selector.restore().isEmpty())
-            qDebug() << "OnCBOutInvertChanged"
-                     << "LineOutSelector retValue == ''";
+        walkSelector(selector, outputLines(),
+                     {Restore::AtEnd, Restore::OnFailure, "OnCBOutInvertChanged", "LineOutSelector retValue == ''"},
+                     [&](int i, bool selected)
+                     {
+                         if (!selected)
+                             return true;
+                         const QString polarity = m_OutputRows.at(i)->m_pCBInvert->isChecked() ? "Invert" : "Normal";
+                         if (m_pFeatureManager->SetValue("LineOutPolarity", "SyncOutPolarity", polarity).isEmpty())
+                             qDebug() << "OnCBOutInvertChanged"
+                                      << "LineOutPolarity retValue == ''";
+                         return true;
+                     });
     }
 
     RegisterFeatureObserver(false);
@@ -448,22 +434,22 @@ void IOTriggerWidget::OnCBOutStatusChanged(int)
     UnRegisterFeatureObserver(false);
 
     // Only "LineSelector" decides the family here.
-    const QString saved = m_pFeatureManager->GetStringValue("LineSelector");
-    if (!saved.isEmpty())
+    const Selector selector = lineSelector();
+    if (selector.found())
     {
-        for (int i = 0; i < m_OutputRows.size(); ++i)
-        {
-            const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
-            if (m_pFeatureManager->SetValue("LineSelector", m_Outputs.value(i)).isEmpty())
-                continue;
-            const double written = m_pFeatureManager->SetValue("LineStatus", row->m_pCBStatus->isChecked() ? 1.0 : 0.0);
-            if (resultText(written).isEmpty())
-                qDebug() << "OnCBOutStatusChanged"
-                         << "Error: SetValue(LineStatus) returned '' ";
-        }
-        if (m_pFeatureManager->SetValue("LineSelector", saved).isEmpty())
-            qDebug() << "OnCBOutStatusChanged"
-                     << "Error: LineSelector retValue == ''";
+        walkSelector(selector, outputLines(),
+                     {Restore::AtEnd, Restore::OnFailure, "OnCBOutStatusChanged", "Error: LineSelector retValue == ''"},
+                     [&](int i, bool selected)
+                     {
+                         if (!selected)
+                             return true;
+                         const double written = m_pFeatureManager->SetValue(
+                             "LineStatus", m_OutputRows.at(i)->m_pCBStatus->isChecked() ? 1.0 : 0.0);
+                         if (numericResultText(written).isEmpty())
+                             qDebug() << "OnCBOutStatusChanged"
+                                      << "Error: SetValue(LineStatus) returned '' ";
+                         return true;
+                     });
     }
     else if (m_pFeatureManager->GetIsFeatureAvailable("LineOutLevels", "SyncOutLevels"))
     {

@@ -7,6 +7,8 @@
 #include <QPointer>
 #include <QSpinBox>
 
+#include <vector>
+
 // The presets never write to the camera themselves: they set the tab's controls
 // with their signals live, and the edit slots write. Each camera family has its
 // own variant with its own value names; a value a camera does not offer is
@@ -55,185 +57,284 @@ bool switchAllTriggersOff(const QPointer<IOTriggerWidget>& tab, QComboBox* selec
     return true;
 }
 
+// What a preset step does.
+enum Action
+{
+    Select,                 // select the step's value (or the preset's own) in the step's combo box
+    SelectFirstInput,       // select the first input line in the step's combo box
+    CheckRouting,           // check the line routing box
+    FrameCount10,           // set the frame count spin box to 10
+    RefreshTriggerSelector, // updateTriggerSelector()
+    ProcessEvents,          // one pass of the event loop
+    Wait200ms,              // 200 ms of event processing
+    AllTriggersOff,         // trigger mode "Off" for every trigger selector
+    EdgeFirstFromLevel      // the whole Edge preset first, when the exposure mode shows "TriggerWidth"
+};
+
+// The combo boxes a step can work on.
+enum Combo
+{
+    NoCombo,
+    ExposureMode,
+    ExposureAuto,
+    TriggerSelector,
+    TriggerMode,
+    TriggerSource,
+    Activation,
+    AcquisitionMode,
+    InputLine
+};
+
 } // namespace
+
+// One step of a preset variant.
+struct PresetStep
+{
+    Action action;
+    Combo combo;
+    const char* value; // null: the value the preset passes in
+};
+
+namespace
+{
+
+using Steps = std::vector<PresetStep>;
+
+PresetStep pick(Combo combo, const char* value)
+{
+    return {Select, combo, value};
+}
+
+PresetStep step(Action action, Combo combo = NoCombo)
+{
+    return {action, combo, nullptr};
+}
+
+// Where a step takes the preset's own value.
+const char* const presetValue = nullptr;
+
+// Exposure mode and line routing.
+const Steps edgeRouting{
+    pick(ExposureMode, "Timed"),
+    step(RefreshTriggerSelector),
+    pick(TriggerSelector, "ExposureStart"),
+    step(Wait200ms),
+    pick(TriggerMode, "Off"),
+    pick(TriggerSelector, "ExposureStart"),
+    pick(TriggerSource, "InputLines"),
+    pick(Activation, "FallingEdge"),
+    pick(InputLine, "Line0"),
+    step(CheckRouting),
+    pick(AcquisitionMode, "Continuous"),
+    pick(TriggerMode, "On"),
+};
+
+// The trigger is switched on early and not again at the end.
+const Steps levelRouting{
+    pick(TriggerSource, "InputLines"),
+    pick(TriggerMode, "On"),
+    pick(ExposureMode, "TriggerWidth"),
+    step(RefreshTriggerSelector),
+    pick(TriggerSelector, "ExposureActive"),
+    pick(TriggerSource, "InputLines"),
+    pick(Activation, "LowLevel"),
+    step(CheckRouting),
+    pick(InputLine, "Line0"),
+    pick(AcquisitionMode, "Continuous"),
+};
+
+// "FallinEdge" is this family's name of the edge activation for bulk triggering.
+const Steps bulkRouting{
+    step(EdgeFirstFromLevel),
+    pick(ExposureMode, "Timed"),
+    step(RefreshTriggerSelector),
+    pick(TriggerSelector, "ExposureStart"),
+    step(Wait200ms),
+    pick(TriggerMode, "Off"),
+    pick(TriggerSource, "InputLines"),
+    pick(Activation, "FallinEdge"),
+    pick(TriggerSelector, "AcquisitionStart"),
+    step(CheckRouting),
+    pick(InputLine, "Line0"),
+    step(FrameCount10),
+    pick(AcquisitionMode, "MultiFrame"),
+    step(CheckRouting),
+    pick(TriggerMode, "On"),
+};
+
+// Exposure auto.
+const Steps edgeExposureAuto{
+    step(AllTriggersOff),         pick(TriggerSelector, "FrameStart"), pick(Activation, "FallingEdge"),
+    pick(TriggerSource, "Line1"), pick(AcquisitionMode, "Continuous"), pick(ExposureAuto, "Off"),
+    step(ProcessEvents),          pick(TriggerSource, "Line1"),        pick(TriggerMode, "On"),
+};
+
+const Steps levelExposureAuto{
+    step(AllTriggersOff),         pick(TriggerSelector, "FrameStart"),
+    pick(TriggerSource, "Line1"), pick(AcquisitionMode, "Continuous"),
+    pick(ExposureAuto, "other"),  step(ProcessEvents),
+    pick(TriggerSource, "Line1"), pick(Activation, "LevelLow"),
+    pick(TriggerMode, "On"),
+};
+
+const Steps bulkExposureAuto{
+    step(AllTriggersOff),
+    pick(TriggerSelector, "AcquisitionStart"),
+    pick(TriggerSource, "Line1"),
+    pick(AcquisitionMode, "MultiFrame"),
+    pick(ExposureAuto, "Off"),
+    step(FrameCount10),
+    step(ProcessEvents),
+    pick(TriggerSource, "Line1"),
+    pick(Activation, "FallinEdge"),
+    pick(TriggerMode, "On"),
+};
+
+// Exposure mode without line routing. Edge and Level differ only in the
+// exposure mode; this family takes an edge activation for level triggering too.
+const Steps edgeOrLevelExposureMode{
+    pick(ExposureMode, presetValue),
+    pick(TriggerSelector, "AcquisitionStart"),
+    step(ProcessEvents),
+    pick(TriggerMode, "Off"),
+    pick(TriggerSelector, "FrameStart"),
+    step(ProcessEvents),
+    pick(TriggerMode, "Off"),
+    step(SelectFirstInput, TriggerSource),
+    pick(Activation, "FallingEdge"),
+    pick(AcquisitionMode, "Continuous"),
+    pick(TriggerMode, "On"),
+};
+
+const Steps bulkExposureMode{
+    pick(ExposureMode, "Timed"),
+    pick(TriggerSelector, "FrameStart"),
+    step(ProcessEvents),
+    pick(TriggerMode, "Off"),
+    pick(TriggerSelector, "AcquisitionStart"),
+    step(Wait200ms),
+    pick(TriggerMode, "Off"),
+    step(SelectFirstInput, TriggerSource),
+    pick(Activation, "FallingEdge"),
+    pick(AcquisitionMode, "MultiFrame"),
+    step(FrameCount10),
+    pick(TriggerMode, "On"),
+};
+
+} // namespace
+
+// The variants of one preset, one per camera family; the optional controls the
+// camera got pick at most one of them.
+struct QuickSetting
+{
+    const Steps& routing;      // exposure mode and line routing
+    const Steps& exposureAuto; // exposure auto
+    const Steps& exposureMode; // exposure mode without line routing
+    const char* value;         // the preset's own value, for the steps that leave it open
+};
+
+namespace
+{
+
+const QuickSetting edge{edgeRouting, edgeExposureAuto, edgeOrLevelExposureMode, "Timed"};
+const QuickSetting level{levelRouting, levelExposureAuto, edgeOrLevelExposureMode, "TriggerWidth"};
+const QuickSetting bulk{bulkRouting, bulkExposureAuto, bulkExposureMode, nullptr};
+
+} // namespace
+
+bool IOTriggerWidget::runQuickSetting(const QuickSetting& setting)
+{
+    auto run = [&](const Steps& steps)
+    {
+        for (const PresetStep& presetStep : steps)
+        {
+            if (!runPresetStep(presetStep, setting.value))
+                return false;
+        }
+        return true;
+    };
+    if (m_pComboExposureMode && m_pComboInputLineSelector && !run(setting.routing))
+        return false;
+    if (m_pComboExposureAuto && !run(setting.exposureAuto))
+        return false;
+    if (m_pComboExposureMode && !m_pComboInputLineSelector && !run(setting.exposureMode))
+        return false;
+    return true;
+}
+
+bool IOTriggerWidget::runPresetStep(const PresetStep& presetStep, const char* value)
+{
+    // In the order of Combo.
+    static QComboBox* IOTriggerWidget::*const combos[] = {
+        nullptr,
+        &IOTriggerWidget::m_pComboExposureMode,
+        &IOTriggerWidget::m_pComboExposureAuto,
+        &IOTriggerWidget::m_pComboTriggerSelector,
+        &IOTriggerWidget::m_pComboTriggerMode,
+        &IOTriggerWidget::m_pComboTriggerSource,
+        &IOTriggerWidget::m_pComboTriggerActivation,
+        &IOTriggerWidget::m_pComboAcquisitionMode,
+        &IOTriggerWidget::m_pComboInputLineSelector,
+    };
+    const QPointer<IOTriggerWidget> alive(this);
+    switch (presetStep.action)
+    {
+    case Select:
+        SetComboBoxValue(presetStep.value ? presetStep.value : value, this->*combos[presetStep.combo]);
+        return true;
+    case SelectFirstInput:
+        SetComboBoxValue(GetFirstInput(), this->*combos[presetStep.combo]);
+        return true;
+    case CheckRouting:
+        m_pCBLineRouting->setCheckState(Qt::Checked);
+        return true;
+    case FrameCount10:
+        m_pSpinAcquisitionFrameCount->setValue(10);
+        return true;
+    case RefreshTriggerSelector:
+        updateTriggerSelector();
+        return true;
+    case ProcessEvents:
+        return processEvents(alive);
+    case Wait200ms:
+        return wait200ms(alive);
+    case AllTriggersOff:
+        return switchAllTriggersOff(alive, m_pComboTriggerSelector, m_pComboTriggerMode);
+    case EdgeFirstFromLevel:
+        // Coming from level triggering, the edge configuration is set up first.
+        if (m_pComboExposureMode->currentText().contains("TriggerWidth"))
+            OnEdgeMode();
+        return !alive.isNull();
+    }
+    return true;
+}
 
 void IOTriggerWidget::OnEdgeMode()
 {
-    const QPointer<IOTriggerWidget> alive(this);
     SetQuickButtonsDisabled(true);
     UnRegisterFeatureObserver(false);
-
-    if (m_pComboExposureMode && m_pComboInputLineSelector)
-    {
-        SetComboBoxValue("Timed", m_pComboExposureMode);
-        updateTriggerSelector();
-        SetComboBoxValue("ExposureStart", m_pComboTriggerSelector);
-        if (!wait200ms(alive))
-            return;
-        SetComboBoxValue("Off", m_pComboTriggerMode);
-        SetComboBoxValue("ExposureStart", m_pComboTriggerSelector);
-        SetComboBoxValue("InputLines", m_pComboTriggerSource);
-        SetComboBoxValue("FallingEdge", m_pComboTriggerActivation);
-        SetComboBoxValue("Line0", m_pComboInputLineSelector);
-        m_pCBLineRouting->setCheckState(Qt::Checked);
-        SetComboBoxValue("Continuous", m_pComboAcquisitionMode);
-        SetComboBoxValue("On", m_pComboTriggerMode);
-    }
-    if (m_pComboExposureAuto)
-    {
-        if (!switchAllTriggersOff(alive, m_pComboTriggerSelector, m_pComboTriggerMode))
-            return;
-        SetComboBoxValue("FrameStart", m_pComboTriggerSelector);
-        SetComboBoxValue("FallingEdge", m_pComboTriggerActivation);
-        SetComboBoxValue("Line1", m_pComboTriggerSource);
-        SetComboBoxValue("Continuous", m_pComboAcquisitionMode);
-        SetComboBoxValue("Off", m_pComboExposureAuto);
-        if (!processEvents(alive))
-            return;
-        SetComboBoxValue("Line1", m_pComboTriggerSource);
-        SetComboBoxValue("On", m_pComboTriggerMode);
-    }
-    if (m_pComboExposureMode && !m_pComboInputLineSelector)
-    {
-        SetComboBoxValue("Timed", m_pComboExposureMode);
-        SetComboBoxValue("AcquisitionStart", m_pComboTriggerSelector);
-        if (!processEvents(alive))
-            return;
-        SetComboBoxValue("Off", m_pComboTriggerMode);
-        SetComboBoxValue("FrameStart", m_pComboTriggerSelector);
-        if (!processEvents(alive))
-            return;
-        SetComboBoxValue("Off", m_pComboTriggerMode);
-        SetComboBoxValue(GetFirstInput(), m_pComboTriggerSource);
-        SetComboBoxValue("FallingEdge", m_pComboTriggerActivation);
-        SetComboBoxValue("Continuous", m_pComboAcquisitionMode);
-        SetComboBoxValue("On", m_pComboTriggerMode);
-    }
-
+    if (!runQuickSetting(edge))
+        return;
     SetQuickButtonsDisabled(!m_pComboAcquisitionMode->isEnabled());
     RegisterFeatureObserver(false);
 }
 
 void IOTriggerWidget::OnLevelMode()
 {
-    const QPointer<IOTriggerWidget> alive(this);
     // The observer stays registered: the preset's own writes come back as
     // changes and refresh the tab on the next tick.
     SetQuickButtonsDisabled(true);
-
-    if (m_pComboExposureMode && m_pComboInputLineSelector)
-    {
-        // The trigger is switched on early and not again at the end.
-        SetComboBoxValue("InputLines", m_pComboTriggerSource);
-        SetComboBoxValue("On", m_pComboTriggerMode);
-        SetComboBoxValue("TriggerWidth", m_pComboExposureMode);
-        updateTriggerSelector();
-        SetComboBoxValue("ExposureActive", m_pComboTriggerSelector);
-        SetComboBoxValue("InputLines", m_pComboTriggerSource);
-        SetComboBoxValue("LowLevel", m_pComboTriggerActivation);
-        m_pCBLineRouting->setCheckState(Qt::Checked);
-        SetComboBoxValue("Line0", m_pComboInputLineSelector);
-        SetComboBoxValue("Continuous", m_pComboAcquisitionMode);
-    }
-    if (m_pComboExposureAuto)
-    {
-        if (!switchAllTriggersOff(alive, m_pComboTriggerSelector, m_pComboTriggerMode))
-            return;
-        SetComboBoxValue("FrameStart", m_pComboTriggerSelector);
-        SetComboBoxValue("Line1", m_pComboTriggerSource);
-        SetComboBoxValue("Continuous", m_pComboAcquisitionMode);
-        SetComboBoxValue("other", m_pComboExposureAuto);
-        if (!processEvents(alive))
-            return;
-        SetComboBoxValue("Line1", m_pComboTriggerSource);
-        SetComboBoxValue("LevelLow", m_pComboTriggerActivation);
-        SetComboBoxValue("On", m_pComboTriggerMode);
-    }
-    if (m_pComboExposureMode && !m_pComboInputLineSelector)
-    {
-        SetComboBoxValue("TriggerWidth", m_pComboExposureMode);
-        SetComboBoxValue("AcquisitionStart", m_pComboTriggerSelector);
-        if (!processEvents(alive))
-            return;
-        SetComboBoxValue("Off", m_pComboTriggerMode);
-        SetComboBoxValue("FrameStart", m_pComboTriggerSelector);
-        if (!processEvents(alive))
-            return;
-        SetComboBoxValue("Off", m_pComboTriggerMode);
-        SetComboBoxValue(GetFirstInput(), m_pComboTriggerSource);
-        // This family takes an edge activation for the level preset too.
-        SetComboBoxValue("FallingEdge", m_pComboTriggerActivation);
-        SetComboBoxValue("Continuous", m_pComboAcquisitionMode);
-        SetComboBoxValue("On", m_pComboTriggerMode);
-    }
-
+    if (!runQuickSetting(level))
+        return;
     SetQuickButtonsDisabled(!m_pComboAcquisitionMode->isEnabled());
 }
 
 void IOTriggerWidget::OnBulkMode()
 {
-    const QPointer<IOTriggerWidget> alive(this);
     UnRegisterFeatureObserver(false);
     SetQuickButtonsDisabled(true);
-
-    if (m_pComboExposureMode && m_pComboInputLineSelector)
-    {
-        // Coming from level triggering, the edge configuration is set up first.
-        if (m_pComboExposureMode->currentText().contains("TriggerWidth"))
-        {
-            OnEdgeMode();
-            if (!alive)
-                return;
-        }
-        SetComboBoxValue("Timed", m_pComboExposureMode);
-        updateTriggerSelector();
-        SetComboBoxValue("ExposureStart", m_pComboTriggerSelector);
-        if (!wait200ms(alive))
-            return;
-        SetComboBoxValue("Off", m_pComboTriggerMode);
-        SetComboBoxValue("InputLines", m_pComboTriggerSource);
-        SetComboBoxValue("FallinEdge", m_pComboTriggerActivation);
-        SetComboBoxValue("AcquisitionStart", m_pComboTriggerSelector);
-        m_pCBLineRouting->setCheckState(Qt::Checked);
-        SetComboBoxValue("Line0", m_pComboInputLineSelector);
-        m_pSpinAcquisitionFrameCount->setValue(10);
-        SetComboBoxValue("MultiFrame", m_pComboAcquisitionMode);
-        m_pCBLineRouting->setCheckState(Qt::Checked);
-        SetComboBoxValue("On", m_pComboTriggerMode);
-    }
-    if (m_pComboExposureAuto)
-    {
-        if (!switchAllTriggersOff(alive, m_pComboTriggerSelector, m_pComboTriggerMode))
-            return;
-        SetComboBoxValue("AcquisitionStart", m_pComboTriggerSelector);
-        SetComboBoxValue("Line1", m_pComboTriggerSource);
-        SetComboBoxValue("MultiFrame", m_pComboAcquisitionMode);
-        SetComboBoxValue("Off", m_pComboExposureAuto);
-        m_pSpinAcquisitionFrameCount->setValue(10);
-        if (!processEvents(alive))
-            return;
-        SetComboBoxValue("Line1", m_pComboTriggerSource);
-        SetComboBoxValue("FallinEdge", m_pComboTriggerActivation);
-        SetComboBoxValue("On", m_pComboTriggerMode);
-    }
-    if (m_pComboExposureMode && !m_pComboInputLineSelector)
-    {
-        SetComboBoxValue("Timed", m_pComboExposureMode);
-        SetComboBoxValue("FrameStart", m_pComboTriggerSelector);
-        if (!processEvents(alive))
-            return;
-        SetComboBoxValue("Off", m_pComboTriggerMode);
-        SetComboBoxValue("AcquisitionStart", m_pComboTriggerSelector);
-        if (!wait200ms(alive))
-            return;
-        SetComboBoxValue("Off", m_pComboTriggerMode);
-        SetComboBoxValue(GetFirstInput(), m_pComboTriggerSource);
-        SetComboBoxValue("FallingEdge", m_pComboTriggerActivation);
-        SetComboBoxValue("MultiFrame", m_pComboAcquisitionMode);
-        m_pSpinAcquisitionFrameCount->setValue(10);
-        SetComboBoxValue("On", m_pComboTriggerMode);
-    }
-
+    if (!runQuickSetting(bulk))
+        return;
     SetQuickButtonsDisabled(!m_pComboAcquisitionMode->isEnabled());
     RegisterFeatureObserver(false);
 }

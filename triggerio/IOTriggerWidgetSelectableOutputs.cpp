@@ -13,27 +13,27 @@ int IOTriggerWidget::GetOptionalOutputs(QStringList* outputs)
 {
     int count = 0;
     const QStringList lines = m_pFeatureManager->GetAvailableEnumEntries("LineSelector");
-    const QString saved = m_pFeatureManager->GetStringValue("LineSelector");
+    const Selector selector = lineSelector();
 
     // A line is selectable when its "LineMode" is writable and offers "Output".
-    for (const QString& line : lines)
-    {
-        if (!m_pFeatureManager->SetValue("LineSelector", line).isEmpty())
-        {
-            const QStringList modes = m_pFeatureManager->GetAvailableEnumEntries("LineMode");
-            for (const QString& mode : modes)
-            {
-                if (m_pFeatureManager->GetIsWritable("LineMode") && mode == "Output")
-                {
-                    ++count;
-                    outputs->append(line);
-                }
-            }
-        }
-        if (m_pFeatureManager->SetValue("LineSelector", saved).isEmpty())
-            qDebug() << "GetOptionalOutputs"
-                     << "Error: SetValue(LineSelector) retValue == ''";
-    }
+    walkSelector(selector, lines,
+                 {Restore::AfterEachLine, Restore::OnFailure, "GetOptionalOutputs",
+                  "Error: SetValue(LineSelector) retValue == ''"},
+                 [&](int i, bool selected)
+                 {
+                     if (!selected)
+                         return true;
+                     const QStringList modes = m_pFeatureManager->GetAvailableEnumEntries("LineMode");
+                     for (const QString& mode : modes)
+                     {
+                         if (m_pFeatureManager->GetIsWritable("LineMode") && mode == "Output")
+                         {
+                             ++count;
+                             outputs->append(lines.at(i));
+                         }
+                     }
+                     return true;
+                 });
     return count;
 }
 
@@ -94,13 +94,17 @@ void IOTriggerWidget::updateOptionalOut()
 
     // These combos are not blocked: filling one reaches OnComboOptionalOutChanged,
     // which saves and restores the selector around its own writes.
-    const QString saved = m_pFeatureManager->GetStringValue("LineSelector");
+    const Selector selector = lineSelector();
+    QStringList lines;
     for (int i = 0; i < m_OptionalOutCombos.size(); ++i)
-    {
-        if (!m_pFeatureManager->SetValue("LineSelector", m_OptionalOutputs.value(i)).isEmpty())
-            updateComboBox("LineMode", m_OptionalOutCombos.at(i), false);
-    }
-    qDebug() << "RetValue updateOpt. Out" << m_pFeatureManager->SetValue("LineSelector", saved);
+        lines << m_OptionalOutputs.value(i);
+    walkSelector(selector, lines, {Restore::AtEnd, Restore::Always, "RetValue updateOpt. Out", nullptr},
+                 [&](int i, bool selected)
+                 {
+                     if (selected)
+                         updateComboBox("LineMode", m_OptionalOutCombos.at(i), false);
+                     return true;
+                 });
 
     updateUserOutSelector();
 }
@@ -111,15 +115,15 @@ void IOTriggerWidget::OnComboOptionalOutChanged(QString text)
         return;
 
     // The sending combo is not known: every line whose combo shows the text is written.
-    const QString saved = m_pFeatureManager->GetStringValue("LineSelector");
-    for (int i = 0; i < m_OptionalOutputs.size(); ++i)
-    {
-        QComboBox* combo = m_OptionalOutCombos.value(i);
-        if (!m_pFeatureManager->SetValue("LineSelector", m_OptionalOutputs.at(i)).isEmpty() && combo &&
-            combo->currentText() == text)
-            OnComboChanged("LineMode", QString::fromLatin1(combo->currentText().toLatin1()));
-    }
-    if (m_pFeatureManager->SetValue("LineSelector", saved).isEmpty())
-        qDebug() << "OnComboOptionalOutChanged"
-                 << "Error: SetValue(LineSelector) retValue == ''";
+    const Selector selector = lineSelector();
+    walkSelector(selector, m_OptionalOutputs,
+                 {Restore::AtEnd, Restore::OnFailure, "OnComboOptionalOutChanged",
+                  "Error: SetValue(LineSelector) retValue == ''"},
+                 [&](int i, bool selected)
+                 {
+                     QComboBox* combo = m_OptionalOutCombos.value(i);
+                     if (selected && combo && combo->currentText() == text)
+                         OnComboChanged("LineMode", QString::fromLatin1(combo->currentText().toLatin1()));
+                     return true;
+                 });
 }

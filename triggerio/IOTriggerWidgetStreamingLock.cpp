@@ -25,7 +25,8 @@ void enable(QWidget* widget, bool enabled)
 
 void IOTriggerWidget::camIsStreaming(bool streaming)
 {
-    // Cameras that got the tab only through "LineSelector" are never locked.
+    // Only cameras with a sync levels feature are locked; a camera with output
+    // lines alone keeps every control usable while it streams.
     if (!m_pFeatureManager->GetIsFeatureAvailable("SyncOutLevels", "LineOutLevels"))
         return;
 

@@ -64,6 +64,31 @@ void IOTriggerWidget::createTriggerInput()
         ui->gb_TriggerInput->setMaximumHeight(470);
     }
 
+    createTriggerControls();
+    createTriggerGroup();
+    createAcquisitionGroup();
+    createQuickSettingsGroup();
+
+    m_pButtonSWTrigger->setEnabled(false);
+
+    // First fill, before any signal is connected. The trigger source is read
+    // twice: once before and once after the acquisition settings.
+    updateTriggerSource();
+    updateTriggerActivation();
+    updateTriggerMode();
+    updateAcquisitionMode();
+    updateAcquisitionFrameCount();
+    updateTriggerSource();
+    updateTriggerSelector();
+
+    if (m_pFeatureManager->GetFeatureName(QStringList() << "LineRouting") == "LineRouting")
+        initLineRouting();
+    initExposure();
+    connectTriggerInput();
+}
+
+void IOTriggerWidget::createTriggerControls()
+{
     m_pLabelTriggerSource = new QLabel(tr("Source:"));
     m_pLabelTriggerActivation = new QLabel(tr("Activ.:"));
     m_pLabelTriggerSelector = new QLabel(tr("Selector:"));
@@ -93,8 +118,7 @@ void IOTriggerWidget::createTriggerInput()
     m_pButtonLevel = createQuickButton(tr("Level"), ":/OrvViewer/Images/triggering_level_256.png");
     m_pButtonBulk = createQuickButton(tr("Bulk"), ":/OrvViewer/Images/triggering_bulk_256.png");
 
-    const bool lineRouting = m_pFeatureManager->GetFeatureName(QStringList() << "LineRouting") == "LineRouting";
-    if (lineRouting)
+    if (m_pFeatureManager->GetFeatureName(QStringList() << "LineRouting") == "LineRouting")
     {
         m_pComboInputLineSelector = createCombo();
         m_pLabelInputLineSelector = new QLabel(tr("Line Sel.:"));
@@ -102,12 +126,15 @@ void IOTriggerWidget::createTriggerInput()
         m_pLabelLineRouting = new QLabel(tr("Rout.:"));
     }
 
+    // The camera is asked again, with the same test as for the combo boxes.
     if (m_pFeatureManager->GetAvailableEnumEntries("ExposureAuto").contains("other"))
         m_pLabelExposureAuto = new QLabel("Exp. Auto:");
     else if (m_pFeatureManager->GetAvailableEnumEntries("ExposureMode").contains("Timed"))
         m_pLabelExposureMode = new QLabel("Exp. Mode:");
+}
 
-    // Trigger group
+void IOTriggerWidget::createTriggerGroup()
+{
     m_pGroupTrigger = new QGroupBox(tr("Trigger"));
     m_pGroupTrigger->setFixedHeight(m_pCBLineRouting ? 220 : 170);
     m_pGroupTrigger->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
@@ -138,62 +165,58 @@ void IOTriggerWidget::createTriggerInput()
     }
     m_pGroupTrigger->setLayout(m_pGridTrigger);
     ui->grid_TriggerInput->addWidget(m_pGroupTrigger, 0, 1, 1, 9, Qt::Alignment());
+}
 
-    // Acquisition group
+void IOTriggerWidget::createAcquisitionGroup()
+{
     m_pGroupAcquisition = new QGroupBox(tr("Acquisition"));
     m_pGroupAcquisition->setFixedHeight(125);
     m_pGroupAcquisition->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    QGridLayout* gridAcquisition = new QGridLayout;
-    gridAcquisition->addWidget(m_pLabelAcquisitionMode, 0, 1, 1, 2, Qt::AlignRight);
-    gridAcquisition->addWidget(m_pComboAcquisitionMode, 0, 3, 1, 2);
-    gridAcquisition->addWidget(m_pLabelFrameCount, 0, 5, 1, 2, Qt::AlignRight);
-    gridAcquisition->addWidget(m_pSpinAcquisitionFrameCount, 0, 7, 1, 2, Qt::AlignCenter);
+    QGridLayout* grid = new QGridLayout;
+    grid->addWidget(m_pLabelAcquisitionMode, 0, 1, 1, 2, Qt::AlignRight);
+    grid->addWidget(m_pComboAcquisitionMode, 0, 3, 1, 2);
+    grid->addWidget(m_pLabelFrameCount, 0, 5, 1, 2, Qt::AlignRight);
+    grid->addWidget(m_pSpinAcquisitionFrameCount, 0, 7, 1, 2, Qt::AlignCenter);
     // Row 1 holds whichever exposure control the camera has, if any.
     if (QLabel* exposureLabel = m_pLabelExposureMode ? m_pLabelExposureMode : m_pLabelExposureAuto)
-        gridAcquisition->addWidget(exposureLabel, 1, 1, 1, 2, Qt::AlignRight);
+        grid->addWidget(exposureLabel, 1, 1, 1, 2, Qt::AlignRight);
     if (QComboBox* exposureCombo = m_pComboExposureMode ? m_pComboExposureMode : m_pComboExposureAuto)
-        gridAcquisition->addWidget(exposureCombo, 1, 3, 1, 2);
-    m_pGroupAcquisition->setLayout(gridAcquisition);
+        grid->addWidget(exposureCombo, 1, 3, 1, 2);
+    m_pGroupAcquisition->setLayout(grid);
     ui->grid_TriggerInput->addWidget(m_pGroupAcquisition, 2, 1, 1, 9, Qt::Alignment());
+}
 
-    // Quick settings group; columns 3 and 7 stay empty as gaps.
+void IOTriggerWidget::createQuickSettingsGroup()
+{
+    // Columns 3 and 7 stay empty as gaps.
     m_pGroupQuickSettings = new QGroupBox(tr("Quick Settings: Trigger Mode"));
     m_pGroupQuickSettings->setFixedHeight(75);
     m_pGroupQuickSettings->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-    QGridLayout* gridQuickSettings = new QGridLayout;
-    gridQuickSettings->addWidget(m_pButtonEdge, 0, 0, 1, 3, Qt::Alignment());
-    gridQuickSettings->addWidget(m_pButtonLevel, 0, 4, 1, 3, Qt::Alignment());
-    gridQuickSettings->addWidget(m_pButtonBulk, 0, 8, 1, 3, Qt::Alignment());
-    m_pGroupQuickSettings->setLayout(gridQuickSettings);
+    QGridLayout* grid = new QGridLayout;
+    grid->addWidget(m_pButtonEdge, 0, 0, 1, 3, Qt::Alignment());
+    grid->addWidget(m_pButtonLevel, 0, 4, 1, 3, Qt::Alignment());
+    grid->addWidget(m_pButtonBulk, 0, 8, 1, 3, Qt::Alignment());
+    m_pGroupQuickSettings->setLayout(grid);
     ui->grid_TriggerInput->addWidget(m_pGroupQuickSettings, 3, 1, 1, 9, Qt::Alignment());
+}
 
-    m_pButtonSWTrigger->setEnabled(false);
+void IOTriggerWidget::initLineRouting()
+{
+    updateLineSelector();
+    m_OutsIndex = DetermineOutsIndex();
+    // Now without the output lines.
+    updateLineSelector();
+    updateLineRouting();
+    connect(m_pComboInputLineSelector, SIGNAL(currentIndexChanged(QString)), this,
+            SLOT(OnComboInputLineSelectorChanged(QString)));
+    connect(m_pCBLineRouting, SIGNAL(stateChanged(int)), this, SLOT(OnCBLineRoutingChanged(int)));
+    // With the signals live: the camera starts on "Line0" where it has it, else "Line1".
+    SetComboBoxValue("Line1", m_pComboInputLineSelector);
+    SetComboBoxValue("Line0", m_pComboInputLineSelector);
+}
 
-    // First fill, before any signal is connected. The trigger source is read
-    // twice: once before and once after the acquisition settings.
-    updateTriggerSource();
-    updateTriggerActivation();
-    updateTriggerMode();
-    updateAcquisitionMode();
-    updateAcquisitionFrameCount();
-    updateTriggerSource();
-    updateTriggerSelector();
-
-    if (m_pFeatureManager->GetFeatureName(QStringList() << "LineRouting") == "LineRouting")
-    {
-        updateLineSelector();
-        m_OutsIndex = DetermineOutsIndex();
-        // Now without the output lines.
-        updateLineSelector();
-        updateLineRouting();
-        connect(m_pComboInputLineSelector, SIGNAL(currentIndexChanged(QString)), this,
-                SLOT(OnComboInputLineSelectorChanged(QString)));
-        connect(m_pCBLineRouting, SIGNAL(stateChanged(int)), this, SLOT(OnCBLineRoutingChanged(int)));
-        // With the signals live: the camera starts on "Line0" where it has it, else "Line1".
-        SetComboBoxValue("Line1", m_pComboInputLineSelector);
-        SetComboBoxValue("Line0", m_pComboInputLineSelector);
-    }
-
+void IOTriggerWidget::initExposure()
+{
     if (m_pComboExposureMode)
     {
         updateExposureMode();
@@ -206,7 +229,10 @@ void IOTriggerWidget::createTriggerInput()
         connect(m_pComboExposureAuto, SIGNAL(currentIndexChanged(QString)), this,
                 SLOT(OnComboExposureAutoChanged(QString)));
     }
+}
 
+void IOTriggerWidget::connectTriggerInput()
+{
     connect(m_pComboTriggerSource, SIGNAL(currentIndexChanged(QString)), this,
             SLOT(OnComboTriggerSourceChanged(QString)));
     connect(m_pComboTriggerActivation, SIGNAL(currentIndexChanged(QString)), this,
@@ -347,22 +373,20 @@ QString IOTriggerWidget::GetFirstInput()
 {
     QString result;
     const QStringList entries = m_pFeatureManager->GetAvailableEnumEntries("LineSelector");
-    const QString saved = m_pFeatureManager->GetStringValue("LineSelector");
-    for (const QString& entry : entries)
-    {
-        if (!m_pFeatureManager->SetValue("LineSelector", entry).isEmpty())
+    const Selector selector = lineSelector();
+    walkSelector(
+        selector, entries,
+        {Restore::AfterEachLine, Restore::OnFailure, "GetFirstInput", "Error: SetValue(LineSelector) retValue == ''"},
+        [&](int i, bool selected)
         {
-            // Found: the camera stays on this line.
-            if (m_pFeatureManager->GetStringValue("LineMode") == "Input" && result.isEmpty())
+            if (selected && m_pFeatureManager->GetStringValue("LineMode") == "Input" && result.isEmpty())
             {
-                result = entry;
-                break;
+                // Found: the camera stays on this line.
+                result = entries.at(i);
+                return false;
             }
-        }
-        if (m_pFeatureManager->SetValue("LineSelector", saved).isEmpty())
-            qDebug() << "GetFirstInput"
-                     << "Error: SetValue(LineSelector) retValue == ''";
-    }
+            return true;
+        });
     return result;
 }
 

@@ -19,8 +19,8 @@ void IOTriggerWidget::updateSyncLevels()
     {
         const QSharedPointer<OutputRow>& row = m_OutputRows.at(i);
         row->m_pCBStatus->setChecked(((levels >> (i % 64)) & 1) != 0);
-        row->m_pCBStatus->setEnabled(m_pFeatureManager->GetIsWritable("LineOutLevels", "SyncOutLevels") &&
-                                     row->m_pComboSource->currentText() == "GPO");
+        // Here the writability is asked for every row, before the source.
+        row->m_pCBStatus->setEnabled(statusWritable(false) && carriesPlainState(*row, false));
     }
     if (m_pEditSyncLevels)
         m_pEditSyncLevels->setText(QString::number(levels));
@@ -65,26 +65,30 @@ void IOTriggerWidget::updateUserOutSelector()
 
 void IOTriggerWidget::updateUserOutValue()
 {
-    const QString saved = m_pFeatureManager->GetStringValue("UserOutputSelector");
+    const Selector selector = userOutputSelector();
+    // Only the rows driven by a user output are visited.
+    QVector<QCheckBox*> valueBoxes;
+    QStringList userOuts;
     for (const QSharedPointer<OutputRow>& row : qAsConst(m_OutputRows))
     {
-        if (!row->m_pComboUserOutSelector)
-            continue;
-        const QString userOut = row->m_pComboUserOutSelector->currentText();
+        const QString userOut = row->m_pComboUserOutSelector ? row->m_pComboUserOutSelector->currentText() : QString();
         if (!userOut.contains("UserOutput"))
             continue;
-        if (!m_pFeatureManager->SetValue("UserOutputSelector", userOut).isEmpty())
-            row->m_pCBUserValue->setChecked(m_pFeatureManager->GetValue("UserOutputValue") != 0.0);
+        valueBoxes << row->m_pCBUserValue.data();
+        userOuts << userOut;
     }
-    if (m_pFeatureManager->SetValue("UserOutputSelector", saved).isEmpty())
-        qDebug() << "updateUserOutValue"
-                 << "Error: SetValue(UserOutputSelector) retValue == ''";
+    walkSelector(selector, userOuts,
+                 {Restore::AtEnd, Restore::OnFailure, "updateUserOutValue",
+                  "Error: SetValue(UserOutputSelector) retValue == ''"},
+                 [&](int i, bool selected)
+                 {
+                     if (selected)
+                         valueBoxes.at(i)->setChecked(m_pFeatureManager->GetValue("UserOutputValue") != 0.0);
+                     return true;
+                 });
 
     for (const QSharedPointer<OutputRow>& row : qAsConst(m_OutputRows))
-    {
-        if (row->m_pCBUserValue)
-            row->m_pCBUserValue->setEnabled(row->m_pComboSource->currentText().contains("UserOutput"));
-    }
+        enableUserValueBox(*row);
 }
 
 void IOTriggerWidget::SetOnCBOutUserValueChanged(int row, int state)
@@ -95,21 +99,29 @@ void IOTriggerWidget::SetOnCBOutUserValueChanged(int row, int state)
     if (!userOut)
         return;
 
-    const QString saved = m_pFeatureManager->GetStringValue("UserOutputSelector");
-    const std::string selected = userOut->currentText().toStdString();
-    QString retValue = m_pFeatureManager->SetValue("UserOutputSelector", QString::fromStdString(selected));
-    if (!retValue.isEmpty())
-    {
-        // The check box state goes out as it is: 2 for checked, 0 for unchecked.
-        const double written = m_pFeatureManager->SetValue("UserOutputValue", static_cast<double>(state));
-        retValue = QString(QChar(static_cast<ushort>(static_cast<int>(written) & 0xFF)));
-        if (retValue.isEmpty())
-            qDebug() << "SetOnCBOutUserValueChanged"
-                     << "Error: SetValue(UserOutputValue) retValue == ''";
-    }
-    m_pFeatureManager->SetValue("UserOutputSelector", saved);
-    // Tells about the selector write above, not about the restore.
-    if (retValue.isEmpty())
+    const Selector selector = userOutputSelector();
+    const std::string bound = userOut->currentText().toStdString();
+    bool failed = false;
+    // The restore's own result is not looked at: the log line below tells about
+    // the selector write (or the value write) instead.
+    walkSelector(selector, {QString::fromStdString(bound)},
+                 {Restore::AtEnd, Restore::Never, "SetOnCBOutUserValueChanged", nullptr},
+                 [&](int, bool selected)
+                 {
+                     failed = !selected;
+                     if (selected)
+                     {
+                         // The check box state goes out as it is: 2 for checked, 0 for unchecked.
+                         const double written =
+                             m_pFeatureManager->SetValue("UserOutputValue", static_cast<double>(state));
+                         failed = numericResultText(written).isEmpty();
+                         if (failed)
+                             qDebug() << "SetOnCBOutUserValueChanged"
+                                      << "Error: SetValue(UserOutputValue) retValue == ''";
+                     }
+                     return true;
+                 });
+    if (failed)
         qDebug() << "SetOnCBOutUserValueChanged"
                  << "Error: SetValue(UserOutputSelector) retValue == ''";
 }
