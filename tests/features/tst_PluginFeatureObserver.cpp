@@ -50,19 +50,19 @@ void tst_PluginFeatureObserver::valueText()
         cam.addInt("F", value, 0, value);
         break;
     case OrvFeatureDataFloat:
-        cam.addFloat("F", double(value));
+        cam.add("F", OrvFeatureDataFloat, double(value));
         break;
     case OrvFeatureDataEnum:
         cam.addEnum("F", {QString::number(value)}, QString::number(value));
         break;
     case OrvFeatureDataBool:
-        cam.addBool("F", true);
+        cam.add("F", OrvFeatureDataBool, true);
         break;
     case OrvFeatureDataCommand:
-        cam.addCommand("F");
+        cam.add("F", OrvFeatureDataCommand);
         break;
     default:
-        cam.addRaw("F");
+        cam.add("F", OrvFeatureDataRaw);
     }
     if (fault >= 0)
         cam.fail("F", Op(fault), OrvErrorDeviceLost);
@@ -73,7 +73,7 @@ void tst_PluginFeatureObserver::valueText()
     QCOMPARE(spy.count(), signal.isEmpty() ? 0 : 1);
     if (!signal.isEmpty())
         QCOMPARE(spy.at(0), (QVariantList{signal.at(0), signal.at(1)}));
-    QVERIFY(cam.journal().isEmpty());
+    QVERIFY(cam.takeJournal().isEmpty());
 }
 
 void tst_PluginFeatureObserver::queuedFromCameraThread()

@@ -96,7 +96,7 @@ void tst_PluginLoading::unsupportedCameraGetsNoTab()
     QCOMPARE(plugin()->get(cam.features(), parent, &settings), 4);
     QVERIFY(!parent.layout());
     QVERIFY(parent.findChildren<QWidget*>().isEmpty());
-    QVERIFY(cam.journal().isEmpty());
+    QVERIFY(cam.takeJournal().isEmpty());
 }
 
 void tst_PluginLoading::deletedInstanceIsMadeAnew()

@@ -1,149 +1,118 @@
 #include "TestCamera.h"
 
 #include <QMap>
-#include <QPair>
-#include <QSet>
 
 #include <algorithm>
 #include <condition_variable>
 #include <deque>
-#include <functional>
 #include <mutex>
 #include <thread>
-#include <vector>
 
 namespace TestCam
 {
 
-namespace
-{
+using Observer = OrvCPP::shared_ptr<OrvCPP::IFeatureObserver>;
 
+static QString text(OrvFeatureDataType type, const QVariant& value)
+{
+    if (type == OrvFeatureDataFloat)
+        return QString::number(value.toDouble(), 'g', 12);
+    return type == OrvFeatureDataBool ? QVariant(value.toBool()).toString() : value.toString();
+}
+
+// The value as a feature of the type holds it.
+static QVariant fit(OrvFeatureDataType type, const QVariant& value)
+{
+    return type == OrvFeatureDataInt     ? QVariant(value.toLongLong())
+           : type == OrvFeatureDataFloat ? QVariant(value.toDouble())
+           : type == OrvFeatureDataBool  ? QVariant(value.toBool())
+                                         : QVariant(value.toString());
+}
+
+// What reads and writes of a feature address: the whole feature, or one entry of its selector.
 struct Slot
 {
     QVariant value;
     bool writable = true;
-    QSet<QString> unavailable;
+    QStringList unavailable{};
 };
-
-QString text(OrvFeatureDataType type, const QVariant& value)
-{
-    if (type == OrvFeatureDataFloat)
-        return QString::number(value.toDouble(), 'g', 12);
-    if (type == OrvFeatureDataBool)
-        return value.toBool() ? "true" : "false";
-    return value.toString();
-}
-
-QVariant fit(OrvFeatureDataType type, const QVariant& value)
-{
-    switch (type)
-    {
-    case OrvFeatureDataInt:
-        return value.toLongLong();
-    case OrvFeatureDataFloat:
-        return value.toDouble();
-    case OrvFeatureDataBool:
-        return value.toBool();
-    default:
-        return value.toString();
-    }
-}
-
-} // namespace
-
-class TestFeature;
 
 struct FeatureData
 {
-    QString name;
-    QString displayName;
-    OrvFeatureDataType type = OrvFeatureDataUnknown;
+    QString name, displayName;
+    OrvFeatureDataType type;
+    double minimum, maximum, increment;
     QStringList entries;
-    double minimum = 0.0;
-    double maximum = 0.0;
-    double increment = 0.0;
-    QString selector;
-    Slot base;
-    QMap<QString, Slot> perEntry;
-    std::vector<OrvCPP::shared_ptr<OrvCPP::IFeatureObserver>> observers;
-    OrvCPP::shared_ptr<TestFeature> handle;
+    Slot base; // as set up
+    QString selector{};
+    QMap<QString, Slot> perEntry{}; // each selector entry's own state, from `base` when first addressed
+    std::vector<Observer> observers{};
+    OrvCPP::shared_ptr<OrvCPP::Feature> handle{};
+
+    Slot& at(const QString& entry)
+    {
+        auto it = perEntry.find(entry);
+        return it != perEntry.end() ? *it : *perEntry.insert(entry, base);
+    }
 };
 
 struct Core
 {
-    mutable std::recursive_mutex mutex;
-    std::vector<FeatureData> features;
+    std::mutex mutex; // guards everything here
+    std::deque<FeatureData> features;
     QStringList journal;
-    QMap<QPair<QString, int>, QPair<OrvErrorType, int>> faults; // code, calls left (-1: always)
-
-    // Notification thread
-    mutable std::mutex queueMutex;
-    mutable std::condition_variable queueChanged;
-    std::deque<int> queue;
-    bool delivering = false;
+    QMap<QPair<QString, Op>, QPair<OrvErrorType, int>> faults; // code, calls left (-1: always)
+    std::deque<FeatureData*> queue;                            // notifications, the front one being delivered
+    std::condition_variable changed;                           // the queue or `stopping`
     bool stopping = false;
-    std::thread notifier;
+    std::thread notifier{[this] { deliver(); }};
 
     FeatureData* find(const QString& name)
     {
-        for (FeatureData& d : features)
-            if (d.name == name)
-                return &d;
-        return nullptr;
+        auto it = std::find_if(features.begin(), features.end(), [&](const FeatureData& d) { return d.name == name; });
+        return it == features.end() ? nullptr : &*it;
     }
 
     // The state that reads and writes of the feature address right now.
     Slot& slot(FeatureData& d)
     {
-        FeatureData* selector = d.selector.isEmpty() ? nullptr : find(d.selector);
-        auto it = selector ? d.perEntry.find(selector->base.value.toString()) : d.perEntry.end();
-        return it == d.perEntry.end() ? d.base : it.value();
+        const FeatureData* selector = find(d.selector);
+        return selector ? d.at(selector->base.value.toString()) : d.base;
     }
 
     // An injected fault due on this call, or success.
-    OrvErrorType enter(const QString& name, Op op)
+    OrvErrorType fault(const QString& name, Op op)
     {
-        auto it = faults.find(qMakePair(name, int(op)));
-        if (it == faults.end())
-            return OrvErrorSuccess;
-        const OrvErrorType code = it->first;
-        if (it->second > 0 && --it->second == 0)
+        auto it = faults.find(qMakePair(name, op));
+        const OrvErrorType code = it == faults.end() ? OrvErrorSuccess : it->first;
+        if (it != faults.end() && it->second > 0 && --it->second == 0)
             faults.erase(it);
         return code;
     }
 
-    void enqueue(int index)
+    void enqueue(FeatureData* d)
     {
-        std::lock_guard<std::mutex> lock(queueMutex);
-        queue.push_back(index);
-        queueChanged.notify_all();
+        queue.push_back(d);
+        changed.notify_all();
     }
 
-    void run()
+    // The notification thread: observers are called without the lock held.
+    void deliver()
     {
-        std::unique_lock<std::mutex> lock(queueMutex);
+        std::unique_lock<std::mutex> lock(mutex);
         for (;;)
         {
-            delivering = false;
-            queueChanged.notify_all();
-            queueChanged.wait(lock, [this] { return stopping || !queue.empty(); });
+            changed.wait(lock, [this] { return stopping || !queue.empty(); });
             if (stopping)
                 return;
-            const int index = queue.front();
-            queue.pop_front();
-            delivering = true;
+            const std::vector<Observer> observers = queue.front()->observers;
+            const OrvCPP::shared_ptr<OrvCPP::Feature> handle = queue.front()->handle;
             lock.unlock();
-            OrvCPP::shared_ptr<OrvCPP::Feature> handle;
-            std::vector<OrvCPP::shared_ptr<OrvCPP::IFeatureObserver>> observers;
-            {
-                std::lock_guard<std::recursive_mutex> data(mutex);
-                handle = std::static_pointer_cast<OrvCPP::Feature>(features[index].handle);
-                observers = features[index].observers;
-            }
-            // Delivered without any of the camera's locks held.
-            for (const auto& observer : observers)
+            for (const Observer& observer : observers)
                 observer->FeatureChanged(handle);
             lock.lock();
+            queue.pop_front();
+            changed.notify_all();
         }
     }
 };
@@ -151,89 +120,84 @@ struct Core
 class TestFeature : public OrvCPP::Feature
 {
 public:
-    TestFeature(const std::shared_ptr<Core>& core, int index)
+    TestFeature(const std::shared_ptr<Core>& core, FeatureData& data)
         : m_core(core)
-        , m_index(index)
+        , m_data(data)
     {
     }
 
     OrvErrorType GetName(std::string& v) override
     {
-        return read(Op::GetName, [&](FeatureData& d, Slot&) { v = d.name.toStdString(); });
+        return read(Op::GetName, {}, [&](Slot&) { v = m_data.name.toStdString(); });
     }
     OrvErrorType GetDisplayName(std::string& v) override
     {
-        return read(Op::GetDisplayName, [&](FeatureData& d, Slot&)
-                    { v = (d.displayName.isEmpty() ? d.name : d.displayName).toStdString(); });
+        return read(Op::GetDisplayName, {}, [&](Slot&) { v = m_data.displayName.toStdString(); });
     }
     OrvErrorType GetCategory(std::string& v) override
     {
-        return read(Op::GetCategory, [&](FeatureData&, Slot&) { v.clear(); });
+        return read(Op::GetCategory, {}, [&](Slot&) { v.clear(); });
     }
     OrvErrorType GetDataType(OrvFeatureDataType& v) override
     {
-        return read(Op::GetDataType, [&](FeatureData& d, Slot&) { v = d.type; });
+        return read(Op::GetDataType, {}, [&](Slot&) { v = m_data.type; });
     }
     OrvErrorType IsWritable(bool& v) override
     {
-        return read(Op::IsWritable, [&](FeatureData&, Slot& s) { v = s.writable; });
+        return read(Op::IsWritable, {}, [&](Slot& s) { v = s.writable; });
     }
     OrvErrorType IsValueAvailable(const char* value, bool& v) override
     {
         const QString entry = QString::fromUtf8(value ? value : "");
-        return read(Op::IsValueAvailable,
-                    [&](FeatureData& d, Slot& s) { v = d.entries.contains(entry) && !s.unavailable.contains(entry); },
-                    {OrvFeatureDataEnum});
+        return read(Op::IsValueAvailable, {OrvFeatureDataEnum},
+                    [&](Slot& s) { v = m_data.entries.contains(entry) && !s.unavailable.contains(entry); });
     }
     OrvErrorType GetValues(std::vector<std::string>& v) override
     {
-        return read(Op::GetValues,
-                    [&](FeatureData& d, Slot&)
+        return read(Op::GetValues, {OrvFeatureDataEnum},
+                    [&](Slot&)
                     {
                         v.clear();
-                        for (const QString& entry : d.entries)
+                        for (const QString& entry : m_data.entries)
                             v.push_back(entry.toStdString());
-                    },
-                    {OrvFeatureDataEnum});
+                    });
     }
     OrvErrorType GetValue(std::string& v) override
     {
         return read(
-            Op::GetString, [&](FeatureData& d, Slot& s) { v = text(d.type, s.value).toStdString(); },
-            {OrvFeatureDataInt, OrvFeatureDataFloat, OrvFeatureDataEnum, OrvFeatureDataString, OrvFeatureDataBool});
+            Op::GetString,
+            {OrvFeatureDataInt, OrvFeatureDataFloat, OrvFeatureDataEnum, OrvFeatureDataString, OrvFeatureDataBool},
+            [&](Slot& s) { v = text(m_data.type, s.value).toStdString(); });
     }
     OrvErrorType GetValue(double& v) override
     {
-        return read(Op::GetDouble, [&](FeatureData&, Slot& s) { v = s.value.toDouble(); }, {OrvFeatureDataFloat});
+        return read(Op::GetDouble, {OrvFeatureDataFloat}, [&](Slot& s) { v = s.value.toDouble(); });
     }
     OrvErrorType GetValue(long long& v) override
     {
-        return read(Op::GetInt, [&](FeatureData&, Slot& s) { v = s.value.toLongLong(); }, {OrvFeatureDataInt});
+        return read(Op::GetInt, {OrvFeatureDataInt}, [&](Slot& s) { v = s.value.toLongLong(); });
     }
     OrvErrorType GetValue(bool& v) override
     {
-        return read(Op::GetBool, [&](FeatureData&, Slot& s) { v = s.value.toBool(); }, {OrvFeatureDataBool});
+        return read(Op::GetBool, {OrvFeatureDataBool}, [&](Slot& s) { v = s.value.toBool(); });
     }
     OrvErrorType GetRange(double& minimum, double& maximum) override
     {
-        return read(Op::GetRangeDouble, [&](FeatureData& d, Slot&) { minimum = d.minimum, maximum = d.maximum; },
-                    {OrvFeatureDataFloat});
+        return read(Op::GetRangeDouble, {OrvFeatureDataFloat},
+                    [&](Slot&) { minimum = m_data.minimum, maximum = m_data.maximum; });
     }
     OrvErrorType GetRange(long long& minimum, long long& maximum) override
     {
-        return read(Op::GetRangeInt,
-                    [&](FeatureData& d, Slot&) { minimum = (long long)d.minimum, maximum = (long long)d.maximum; },
-                    {OrvFeatureDataInt});
+        return read(Op::GetRangeInt, {OrvFeatureDataInt},
+                    [&](Slot&) { minimum = (long long)m_data.minimum, maximum = (long long)m_data.maximum; });
     }
     OrvErrorType GetIncrement(double& v) override
     {
-        return read(
-            Op::GetIncrementDouble, [&](FeatureData& d, Slot&) { v = d.increment; }, {OrvFeatureDataFloat}, true);
+        return read(Op::GetIncrementDouble, {OrvFeatureDataFloat}, [&](Slot&) { v = m_data.increment; });
     }
     OrvErrorType GetIncrement(long long& v) override
     {
-        return read(
-            Op::GetIncrementInt, [&](FeatureData& d, Slot&) { v = (long long)d.increment; }, {OrvFeatureDataInt}, true);
+        return read(Op::GetIncrementInt, {OrvFeatureDataInt}, [&](Slot&) { v = (long long)m_data.increment; });
     }
     OrvErrorType SetValue(double value) override
     {
@@ -255,198 +219,150 @@ public:
     {
         return write(Op::RunCommand, OrvFeatureDataCommand, QVariant());
     }
-    OrvErrorType RegisterObserver(const OrvCPP::shared_ptr<OrvCPP::IFeatureObserver>& observer) override
+    OrvErrorType RegisterObserver(const Observer& observer) override
     {
         return observe(Op::RegisterObserver, observer, true);
     }
-    OrvErrorType UnregisterObserver(const OrvCPP::shared_ptr<OrvCPP::IFeatureObserver>& observer) override
+    OrvErrorType UnregisterObserver(const Observer& observer) override
     {
         return observe(Op::UnregisterObserver, observer, false);
     }
 
 private:
-    // Runs a query under the camera's lock: an injected fault, a feature of a type
-    // not in `types` (when given), or a missing increment fails it.
-    OrvErrorType read(Op op, const std::function<void(FeatureData&, Slot&)>& body,
-                      const QVector<OrvFeatureDataType>& types = {}, bool increment = false)
+    // Runs a query under the camera's lock; an injected fault, a feature of a
+    // type not in `types` (when given) or a missing increment fails it.
+    template <class Body> OrvErrorType read(Op op, const QVector<OrvFeatureDataType>& types, Body body)
     {
-        std::shared_ptr<Core> core = m_core.lock();
+        const std::shared_ptr<Core> core = m_core.lock();
         if (!core)
             return OrvErrorDeviceLost;
-        std::lock_guard<std::recursive_mutex> lock(core->mutex);
-        FeatureData& d = core->features[m_index];
-        const OrvErrorType code = core->enter(d.name, op);
-        if (code != OrvErrorSuccess)
-            return code;
-        if ((!types.isEmpty() && !types.contains(d.type)) || (increment && d.increment <= 0.0))
-            return OrvErrorWrongType;
-        body(d, core->slot(d));
-        return OrvErrorSuccess;
+        std::lock_guard<std::mutex> lock(core->mutex);
+        OrvErrorType code = core->fault(m_data.name, op);
+        const bool noIncrement = (op == Op::GetIncrementDouble || op == Op::GetIncrementInt) && m_data.increment <= 0;
+        if (code == OrvErrorSuccess && ((!types.isEmpty() && !types.contains(m_data.type)) || noIncrement))
+            code = OrvErrorWrongType;
+        else if (code == OrvErrorSuccess)
+            body(core->slot(m_data));
+        return code;
     }
 
-    OrvErrorType observe(Op op, const OrvCPP::shared_ptr<OrvCPP::IFeatureObserver>& observer, bool add)
+    OrvErrorType observe(Op op, const Observer& observer, bool add)
     {
-        OrvErrorType code = OrvErrorSuccess;
-        const OrvErrorType fault = read(op,
-                                        [&](FeatureData& d, Slot&)
+        std::vector<Observer>& all = m_data.observers;
+        OrvErrorType code = observer ? OrvErrorSuccess : OrvErrorBadParameter;
+        const OrvErrorType fault = read(op, {},
+                                        [&](Slot&)
                                         {
-                                            auto it = std::find(d.observers.begin(), d.observers.end(), observer);
-                                            if (!observer)
-                                                code = OrvErrorBadParameter;
-                                            else if ((it != d.observers.end()) == add)
+                                            auto it = std::find(all.begin(), all.end(), observer);
+                                            if (code == OrvErrorSuccess && (it != all.end()) == add)
                                                 code = OrvErrorInvalidCall;
-                                            else if (add)
-                                                d.observers.push_back(observer);
-                                            else
-                                                d.observers.erase(it);
+                                            else if (code == OrvErrorSuccess && add)
+                                                all.push_back(observer);
+                                            else if (code == OrvErrorSuccess)
+                                                all.erase(it);
                                         });
         return fault != OrvErrorSuccess ? fault : code;
     }
 
-    // Checks a write as a camera would (type, access, range, grid, entry),
-    // journals it, stores it and queues the change notifications, also of the
-    // features whose value changes with this selector.
+    // Checks a write as a camera would (injected fault, type, access, range and
+    // grid, entry), journals it, stores it and queues the change notifications,
+    // also of the features whose value changes with this selector.
     OrvErrorType write(Op op, OrvFeatureDataType type, const QVariant& value)
     {
-        std::shared_ptr<Core> core = m_core.lock();
+        const std::shared_ptr<Core> core = m_core.lock();
         if (!core)
             return OrvErrorDeviceLost;
-        std::lock_guard<std::recursive_mutex> lock(core->mutex);
-        FeatureData& d = core->features[m_index];
-        Slot& s = core->slot(d);
-        OrvErrorType code = core->enter(d.name, op);
+        std::lock_guard<std::mutex> lock(core->mutex);
+        const FeatureData& d = m_data;
+        Slot& s = core->slot(m_data);
         const bool textual = d.type == OrvFeatureDataEnum || d.type == OrvFeatureDataString;
         const double v = value.toDouble();
+        const bool offGrid = d.type == OrvFeatureDataInt && d.increment > 0 &&
+                             (value.toLongLong() - (long long)d.minimum) % (long long)d.increment != 0;
+        OrvErrorType code = core->fault(d.name, op);
         if (code == OrvErrorSuccess && d.type != type && !(type == OrvFeatureDataString && textual))
             code = OrvErrorWrongType;
         else if (code == OrvErrorSuccess && !s.writable)
             code = OrvErrorInvalidAccess;
         else if (code == OrvErrorSuccess && (d.type == OrvFeatureDataInt || d.type == OrvFeatureDataFloat) &&
-                 (v < d.minimum || v > d.maximum ||
-                  (d.type == OrvFeatureDataInt && d.increment > 0 &&
-                   (value.toLongLong() - (long long)d.minimum) % (long long)d.increment != 0)))
+                 (v < d.minimum || v > d.maximum || offGrid))
             code = OrvErrorInvalidValue;
         else if (code == OrvErrorSuccess && d.type == OrvFeatureDataEnum &&
                  (!d.entries.contains(value.toString()) || s.unavailable.contains(value.toString())))
             code = OrvErrorInvalidValue;
-        const QString refusal = code == OrvErrorSuccess ? QString() : QString(" refused %1").arg(code);
-        core->journal << d.name + (type == OrvFeatureDataCommand ? "()" : "=" + text(d.type, value)) + refusal;
+        const QString refused = code == OrvErrorSuccess ? QString() : QString(" refused %1").arg(code);
+        core->journal << d.name + (type == OrvFeatureDataCommand ? "()" : "=" + text(d.type, value)) + refused;
         if (code != OrvErrorSuccess || type == OrvFeatureDataCommand)
             return code;
-
-        QMap<int, QString> dependents;
-        for (size_t i = 0; i < core->features.size(); ++i)
-            if (core->features[i].selector == d.name)
-                dependents[int(i)] = core->slot(core->features[i]).value.toString();
+        QVector<QPair<FeatureData*, QString>> dependents;
+        for (FeatureData& other : core->features)
+            if (other.selector == d.name)
+                dependents.append({&other, core->slot(other).value.toString()});
         s.value = fit(d.type, value);
-        core->enqueue(m_index);
-        for (auto it = dependents.cbegin(); it != dependents.cend(); ++it)
-            if (core->slot(core->features[it.key()]).value.toString() != it.value())
-                core->enqueue(it.key());
+        core->enqueue(&m_data);
+        for (const auto& dependent : dependents)
+            if (core->slot(*dependent.first).value.toString() != dependent.second)
+                core->enqueue(dependent.first);
         return OrvErrorSuccess;
     }
 
-    std::weak_ptr<Core> m_core;
-    int m_index;
+    const std::weak_ptr<Core> m_core;
+    FeatureData& m_data;
 };
-
-FeatureSetup::FeatureSetup(std::shared_ptr<Core> core, int index)
-    : m_core(std::move(core))
-    , m_index(index)
-{
-}
 
 FeatureSetup& FeatureSetup::displayName(const QString& text)
 {
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    m_core->features[m_index].displayName = text;
+    feature.displayName = text;
     return *this;
 }
 
 FeatureSetup& FeatureSetup::writable(bool on)
 {
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    FeatureData& d = m_core->features[m_index];
-    d.base.writable = on;
-    for (Slot& s : d.perEntry)
-        s.writable = on;
+    feature.base.writable = on;
     return *this;
 }
 
 FeatureSetup& FeatureSetup::unavailable(const QStringList& entries)
 {
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    FeatureData& d = m_core->features[m_index];
-    d.base.unavailable = QSet<QString>(entries.begin(), entries.end());
-    for (Slot& s : d.perEntry)
-        s.unavailable = d.base.unavailable;
+    feature.base.unavailable = entries;
     return *this;
 }
 
 FeatureSetup& FeatureSetup::selectedBy(const QString& selectorName)
 {
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    FeatureData& d = m_core->features[m_index];
-    d.selector = selectorName;
-    d.perEntry.clear();
-    if (FeatureData* selector = m_core->find(selectorName))
-        for (const QString& entry : selector->entries)
-            d.perEntry.insert(entry, d.base);
-    return *this;
-}
-
-FeatureSetup& FeatureSetup::setAt(const QString& selectorEntry, const QVariant& value)
-{
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    FeatureData& d = m_core->features[m_index];
-    d.perEntry[selectorEntry].value = fit(d.type, value);
+    feature.selector = selectorName;
     return *this;
 }
 
 FeatureSetup& FeatureSetup::writableAt(const QString& selectorEntry, bool on)
 {
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    m_core->features[m_index].perEntry[selectorEntry].writable = on;
+    feature.at(selectorEntry).writable = on;
     return *this;
 }
 
 TestCamera::TestCamera()
     : m_core(std::make_shared<Core>())
 {
-    Core* core = m_core.get();
-    core->notifier = std::thread([core] { core->run(); });
 }
 
 TestCamera::~TestCamera()
 {
     {
-        std::lock_guard<std::mutex> lock(m_core->queueMutex);
+        std::lock_guard<std::mutex> lock(m_core->mutex);
         m_core->stopping = true;
-        m_core->queueChanged.notify_all();
+        m_core->changed.notify_all();
     }
     m_core->notifier.join();
-    // Handles still held elsewhere answer "device lost" from now on.
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    for (FeatureData& d : m_core->features)
-        d.observers.clear();
 }
 
 FeatureSetup TestCamera::add(const QString& name, OrvFeatureDataType type, const QVariant& value, double minimum,
                              double maximum, double increment, const QStringList& entries)
 {
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    FeatureData d;
-    d.name = name;
-    d.type = type;
-    d.base.value = fit(type, value);
-    d.minimum = minimum;
-    d.maximum = maximum;
-    d.increment = increment;
-    d.entries = entries;
-    const int index = int(m_core->features.size());
-    d.handle = std::make_shared<TestFeature>(m_core, index);
-    m_core->features.push_back(d);
-    return FeatureSetup(m_core, index);
+    std::lock_guard<std::mutex> lock(m_core->mutex);
+    m_core->features.push_back({name, name, type, minimum, maximum, increment, entries, {fit(type, value)}});
+    FeatureData& d = m_core->features.back();
+    d.handle = std::make_shared<TestFeature>(m_core, d);
+    return {d};
 }
 
 FeatureSetup TestCamera::addInt(const QString& name, long long value, long long minimum, long long maximum,
@@ -455,39 +371,14 @@ FeatureSetup TestCamera::addInt(const QString& name, long long value, long long 
     return add(name, OrvFeatureDataInt, value, double(minimum), double(maximum), double(increment));
 }
 
-FeatureSetup TestCamera::addFloat(const QString& name, double value, double minimum, double maximum, double increment)
-{
-    return add(name, OrvFeatureDataFloat, value, minimum, maximum, increment);
-}
-
-FeatureSetup TestCamera::addBool(const QString& name, bool value)
-{
-    return add(name, OrvFeatureDataBool, value);
-}
-
 FeatureSetup TestCamera::addEnum(const QString& name, const QStringList& entries, const QString& value)
 {
     return add(name, OrvFeatureDataEnum, value, 0, 0, 0, entries);
 }
 
-FeatureSetup TestCamera::addString(const QString& name, const QString& value)
-{
-    return add(name, OrvFeatureDataString, value);
-}
-
-FeatureSetup TestCamera::addCommand(const QString& name)
-{
-    return add(name, OrvFeatureDataCommand, QVariant());
-}
-
-FeatureSetup TestCamera::addRaw(const QString& name)
-{
-    return add(name, OrvFeatureDataRaw, QVariant());
-}
-
 FeatureList TestCamera::features() const
 {
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
+    std::lock_guard<std::mutex> lock(m_core->mutex);
     FeatureList list(new QVector<OrvCPP::shared_ptr<OrvCPP::Feature>>());
     for (const FeatureData& d : m_core->features)
         list->append(d.handle);
@@ -496,79 +387,59 @@ FeatureList TestCamera::features() const
 
 OrvCPP::shared_ptr<OrvCPP::Feature> TestCamera::feature(const QString& name) const
 {
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
+    std::lock_guard<std::mutex> lock(m_core->mutex);
     FeatureData* d = m_core->find(name);
     return d ? d->handle : nullptr;
 }
 
 QString TestCamera::value(const QString& name) const
 {
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
+    std::lock_guard<std::mutex> lock(m_core->mutex);
     FeatureData* d = m_core->find(name);
     return d ? text(d->type, m_core->slot(*d).value) : QString();
 }
 
-void TestCamera::set(const QString& name, const QVariant& value)
+void TestCamera::set(const QString& name, const QVariant& value, const QString& selectorEntry)
 {
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
+    std::lock_guard<std::mutex> lock(m_core->mutex);
     if (FeatureData* d = m_core->find(name))
-        m_core->slot(*d).value = fit(d->type, value);
+        (selectorEntry.isNull() ? m_core->slot(*d) : d->at(selectorEntry)).value = fit(d->type, value);
 }
 
-void TestCamera::setAt(const QString& name, const QString& selectorEntry, const QVariant& value)
+QStringList TestCamera::takeJournal()
 {
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    if (FeatureData* d = m_core->find(name))
-        d->perEntry[selectorEntry].value = fit(d->type, value);
-}
-
-void TestCamera::setWritable(const QString& name, bool on)
-{
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    if (FeatureData* d = m_core->find(name))
-        FeatureSetup(m_core, int(d - m_core->features.data())).writable(on);
-}
-
-QStringList TestCamera::journal() const
-{
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    return m_core->journal;
-}
-
-void TestCamera::clearJournal()
-{
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    m_core->journal.clear();
+    std::lock_guard<std::mutex> lock(m_core->mutex);
+    return std::exchange(m_core->journal, {});
 }
 
 void TestCamera::fail(const QString& name, Op op, OrvErrorType code, int times)
 {
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
-    m_core->faults.insert(qMakePair(name, int(op)), qMakePair(code, times));
+    std::lock_guard<std::mutex> lock(m_core->mutex);
+    m_core->faults.insert(qMakePair(name, op), qMakePair(code, times));
 }
 
 void TestCamera::clearFaults()
 {
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
+    std::lock_guard<std::mutex> lock(m_core->mutex);
     m_core->faults.clear();
 }
 
 void TestCamera::notify(const QString& name)
 {
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
+    std::lock_guard<std::mutex> lock(m_core->mutex);
     if (FeatureData* d = m_core->find(name))
-        m_core->enqueue(int(d - m_core->features.data()));
+        m_core->enqueue(d);
 }
 
 void TestCamera::waitForNotifications() const
 {
-    std::unique_lock<std::mutex> lock(m_core->queueMutex);
-    m_core->queueChanged.wait(lock, [this] { return m_core->queue.empty() && !m_core->delivering; });
+    std::unique_lock<std::mutex> lock(m_core->mutex);
+    m_core->changed.wait(lock, [this] { return m_core->queue.empty(); });
 }
 
 int TestCamera::observerCount(const QString& name) const
 {
-    std::lock_guard<std::recursive_mutex> lock(m_core->mutex);
+    std::lock_guard<std::mutex> lock(m_core->mutex);
     FeatureData* d = m_core->find(name);
     return d ? int(d->observers.size()) : 0;
 }

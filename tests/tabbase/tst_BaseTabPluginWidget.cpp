@@ -127,7 +127,7 @@ void tst_BaseTabPluginWidget::comboBoxFill()
     QCOMPARE(combo.currentIndex(), index);
     QCOMPARE(combo.isEnabled(), writable);
     QCOMPARE(combo.itemData(1, Qt::ToolTipRole).toString(), writable ? QString() : QString("Line1"));
-    QVERIFY(cam.journal().isEmpty());
+    QVERIFY(cam.takeJournal().isEmpty());
 }
 
 QTEST_MAIN(tst_BaseTabPluginWidget)
