@@ -12,21 +12,23 @@ namespace TestCam
 {
 
 using Observer = OrvCPP::shared_ptr<OrvCPP::IFeatureObserver>;
+const OrvFeatureDataType Int = OrvFeatureDataInt, Float = OrvFeatureDataFloat, Bool = OrvFeatureDataBool,
+                         Enum = OrvFeatureDataEnum, String = OrvFeatureDataString, Command = OrvFeatureDataCommand;
 
 static QString text(OrvFeatureDataType type, const QVariant& value)
 {
-    if (type == OrvFeatureDataFloat)
+    if (type == Float)
         return QString::number(value.toDouble(), 'g', 12);
-    return type == OrvFeatureDataBool ? QVariant(value.toBool()).toString() : value.toString();
+    return type == Bool ? QVariant(value.toBool()).toString() : value.toString();
 }
 
 // The value as a feature of the type holds it.
 static QVariant fit(OrvFeatureDataType type, const QVariant& value)
 {
-    return type == OrvFeatureDataInt     ? QVariant(value.toLongLong())
-           : type == OrvFeatureDataFloat ? QVariant(value.toDouble())
-           : type == OrvFeatureDataBool  ? QVariant(value.toBool())
-                                         : QVariant(value.toString());
+    return type == Int     ? QVariant(value.toLongLong())
+           : type == Float ? QVariant(value.toDouble())
+           : type == Bool  ? QVariant(value.toBool())
+                           : QVariant(value.toString());
 }
 
 // What reads and writes of a feature address: the whole feature, or one entry of its selector.
@@ -34,7 +36,6 @@ struct Slot
 {
     QVariant value;
     bool writable = true;
-    QStringList unavailable{};
 };
 
 struct FeatureData
@@ -42,12 +43,11 @@ struct FeatureData
     QString name, displayName;
     OrvFeatureDataType type;
     double minimum, maximum, increment;
-    QStringList entries;
+    QStringList entries, unavailable;
     Slot base; // as set up
     QString selector{};
     QMap<QString, Slot> perEntry{}; // each selector entry's own state, from `base` when first addressed
     std::vector<Observer> observers{};
-    OrvCPP::shared_ptr<OrvCPP::Feature> handle{};
 
     Slot& at(const QString& entry)
     {
@@ -56,29 +56,22 @@ struct FeatureData
     }
 };
 
+class TestFeature;
+
 struct Core
 {
     std::mutex mutex; // guards everything here
-    std::deque<FeatureData> features;
+    std::vector<std::shared_ptr<TestFeature>> features;
     QStringList journal;
     QMap<QPair<QString, Op>, QPair<OrvErrorType, int>> faults; // code, calls left (-1: always)
-    std::deque<FeatureData*> queue;                            // notifications, the front one being delivered
+    std::deque<TestFeature*> queue;                            // notifications, the front one being delivered
     std::condition_variable changed;                           // the queue or `stopping`
     bool stopping = false;
     std::thread notifier{[this] { deliver(); }};
 
-    FeatureData* find(const QString& name)
-    {
-        auto it = std::find_if(features.begin(), features.end(), [&](const FeatureData& d) { return d.name == name; });
-        return it == features.end() ? nullptr : &*it;
-    }
-
-    // The state that reads and writes of the feature address right now.
-    Slot& slot(FeatureData& d)
-    {
-        const FeatureData* selector = find(d.selector);
-        return selector ? d.at(selector->base.value.toString()) : d.base;
-    }
+    std::shared_ptr<TestFeature> find(const QString& name);
+    Slot& slot(FeatureData& d);
+    void deliver();
 
     // An injected fault due on this call, or success.
     OrvErrorType fault(const QString& name, Op op)
@@ -89,50 +82,24 @@ struct Core
             faults.erase(it);
         return code;
     }
-
-    void enqueue(FeatureData* d)
-    {
-        queue.push_back(d);
-        changed.notify_all();
-    }
-
-    // The notification thread: observers are called without the lock held.
-    void deliver()
-    {
-        std::unique_lock<std::mutex> lock(mutex);
-        for (;;)
-        {
-            changed.wait(lock, [this] { return stopping || !queue.empty(); });
-            if (stopping)
-                return;
-            const std::vector<Observer> observers = queue.front()->observers;
-            const OrvCPP::shared_ptr<OrvCPP::Feature> handle = queue.front()->handle;
-            lock.unlock();
-            for (const Observer& observer : observers)
-                observer->FeatureChanged(handle);
-            lock.lock();
-            queue.pop_front();
-            changed.notify_all();
-        }
-    }
 };
 
-class TestFeature : public OrvCPP::Feature
+class TestFeature : public OrvCPP::Feature, public FeatureData, public std::enable_shared_from_this<TestFeature>
 {
 public:
-    TestFeature(const std::shared_ptr<Core>& core, FeatureData& data)
-        : m_core(core)
-        , m_data(data)
+    TestFeature(const std::shared_ptr<Core>& core, const FeatureData& data)
+        : FeatureData(data)
+        , m_core(core)
     {
     }
 
     OrvErrorType GetName(std::string& v) override
     {
-        return read(Op::GetName, {}, [&](Slot&) { v = m_data.name.toStdString(); });
+        return read(Op::GetName, {}, [&](Slot&) { v = name.toStdString(); });
     }
     OrvErrorType GetDisplayName(std::string& v) override
     {
-        return read(Op::GetDisplayName, {}, [&](Slot&) { v = m_data.displayName.toStdString(); });
+        return read(Op::GetDisplayName, {}, [&](Slot&) { v = displayName.toStdString(); });
     }
     OrvErrorType GetCategory(std::string& v) override
     {
@@ -140,84 +107,79 @@ public:
     }
     OrvErrorType GetDataType(OrvFeatureDataType& v) override
     {
-        return read(Op::GetDataType, {}, [&](Slot&) { v = m_data.type; });
+        return read(Op::GetDataType, {}, [&](Slot&) { v = type; });
     }
     OrvErrorType IsWritable(bool& v) override
     {
         return read(Op::IsWritable, {}, [&](Slot& s) { v = s.writable; });
     }
-    OrvErrorType IsValueAvailable(const char* value, bool& v) override
+    OrvErrorType IsValueAvailable(const char* entry, bool& v) override
     {
-        const QString entry = QString::fromUtf8(value ? value : "");
-        return read(Op::IsValueAvailable, {OrvFeatureDataEnum},
-                    [&](Slot& s) { v = m_data.entries.contains(entry) && !s.unavailable.contains(entry); });
+        const QString e = QString::fromUtf8(entry ? entry : "");
+        return read(Op::IsValueAvailable, {Enum}, [&](Slot&) { v = entries.contains(e) && !unavailable.contains(e); });
     }
     OrvErrorType GetValues(std::vector<std::string>& v) override
     {
-        return read(Op::GetValues, {OrvFeatureDataEnum},
+        return read(Op::GetValues, {Enum},
                     [&](Slot&)
                     {
                         v.clear();
-                        for (const QString& entry : m_data.entries)
+                        for (const QString& entry : entries)
                             v.push_back(entry.toStdString());
                     });
     }
     OrvErrorType GetValue(std::string& v) override
     {
-        return read(
-            Op::GetString,
-            {OrvFeatureDataInt, OrvFeatureDataFloat, OrvFeatureDataEnum, OrvFeatureDataString, OrvFeatureDataBool},
-            [&](Slot& s) { v = text(m_data.type, s.value).toStdString(); });
+        return read(Op::GetString, {Int, Float, Enum, String, Bool},
+                    [&](Slot& s) { v = text(type, s.value).toStdString(); });
     }
     OrvErrorType GetValue(double& v) override
     {
-        return read(Op::GetDouble, {OrvFeatureDataFloat}, [&](Slot& s) { v = s.value.toDouble(); });
+        return read(Op::GetDouble, {Float}, [&](Slot& s) { v = s.value.toDouble(); });
     }
     OrvErrorType GetValue(long long& v) override
     {
-        return read(Op::GetInt, {OrvFeatureDataInt}, [&](Slot& s) { v = s.value.toLongLong(); });
+        return read(Op::GetInt, {Int}, [&](Slot& s) { v = s.value.toLongLong(); });
     }
     OrvErrorType GetValue(bool& v) override
     {
-        return read(Op::GetBool, {OrvFeatureDataBool}, [&](Slot& s) { v = s.value.toBool(); });
+        return read(Op::GetBool, {Bool}, [&](Slot& s) { v = s.value.toBool(); });
     }
-    OrvErrorType GetRange(double& minimum, double& maximum) override
+    OrvErrorType GetRange(double& lowest, double& highest) override
     {
-        return read(Op::GetRangeDouble, {OrvFeatureDataFloat},
-                    [&](Slot&) { minimum = m_data.minimum, maximum = m_data.maximum; });
+        return read(Op::GetRangeDouble, {Float}, [&](Slot&) { lowest = minimum, highest = maximum; });
     }
-    OrvErrorType GetRange(long long& minimum, long long& maximum) override
+    OrvErrorType GetRange(long long& lowest, long long& highest) override
     {
-        return read(Op::GetRangeInt, {OrvFeatureDataInt},
-                    [&](Slot&) { minimum = (long long)m_data.minimum, maximum = (long long)m_data.maximum; });
+        return read(Op::GetRangeInt, {Int}, [&](Slot&) { lowest = (long long)minimum, highest = (long long)maximum; });
     }
     OrvErrorType GetIncrement(double& v) override
     {
-        return read(Op::GetIncrementDouble, {OrvFeatureDataFloat}, [&](Slot&) { v = m_data.increment; });
+        return read(Op::GetIncrementDouble, {Float}, [&](Slot&) { v = increment; });
     }
     OrvErrorType GetIncrement(long long& v) override
     {
-        return read(Op::GetIncrementInt, {OrvFeatureDataInt}, [&](Slot&) { v = (long long)m_data.increment; });
+        return read(Op::GetIncrementInt, {Int}, [&](Slot&) { v = (long long)increment; });
     }
     OrvErrorType SetValue(double value) override
     {
-        return write(Op::SetDouble, OrvFeatureDataFloat, value);
+        return write(Op::SetDouble, Float, value);
     }
     OrvErrorType SetValue(long long value) override
     {
-        return write(Op::SetInt, OrvFeatureDataInt, value);
+        return write(Op::SetInt, Int, value);
     }
     OrvErrorType SetValue(bool value) override
     {
-        return write(Op::SetBool, OrvFeatureDataBool, value);
+        return write(Op::SetBool, Bool, value);
     }
     OrvErrorType SetValue(const char* value) override
     {
-        return value ? write(Op::SetString, OrvFeatureDataString, QString::fromUtf8(value)) : OrvErrorBadParameter;
+        return value ? write(Op::SetString, String, QString::fromUtf8(value)) : OrvErrorBadParameter;
     }
     OrvErrorType RunCommand() override
     {
-        return write(Op::RunCommand, OrvFeatureDataCommand, QVariant());
+        return write(Op::RunCommand, Command, QVariant());
     }
     OrvErrorType RegisterObserver(const Observer& observer) override
     {
@@ -237,29 +199,28 @@ private:
         if (!core)
             return OrvErrorDeviceLost;
         std::lock_guard<std::mutex> lock(core->mutex);
-        OrvErrorType code = core->fault(m_data.name, op);
-        const bool noIncrement = (op == Op::GetIncrementDouble || op == Op::GetIncrementInt) && m_data.increment <= 0;
-        if (code == OrvErrorSuccess && ((!types.isEmpty() && !types.contains(m_data.type)) || noIncrement))
+        OrvErrorType code = core->fault(name, op);
+        const bool noIncrement = (op == Op::GetIncrementDouble || op == Op::GetIncrementInt) && increment <= 0;
+        if (code == OrvErrorSuccess && ((!types.isEmpty() && !types.contains(type)) || noIncrement))
             code = OrvErrorWrongType;
         else if (code == OrvErrorSuccess)
-            body(core->slot(m_data));
+            body(core->slot(*this));
         return code;
     }
 
     OrvErrorType observe(Op op, const Observer& observer, bool add)
     {
-        std::vector<Observer>& all = m_data.observers;
         OrvErrorType code = observer ? OrvErrorSuccess : OrvErrorBadParameter;
         const OrvErrorType fault = read(op, {},
                                         [&](Slot&)
                                         {
-                                            auto it = std::find(all.begin(), all.end(), observer);
-                                            if (code == OrvErrorSuccess && (it != all.end()) == add)
+                                            auto it = std::find(observers.begin(), observers.end(), observer);
+                                            if (code == OrvErrorSuccess && (it != observers.end()) == add)
                                                 code = OrvErrorInvalidCall;
                                             else if (code == OrvErrorSuccess && add)
-                                                all.push_back(observer);
+                                                observers.push_back(observer);
                                             else if (code == OrvErrorSuccess)
-                                                all.erase(it);
+                                                observers.erase(it);
                                         });
         return fault != OrvErrorSuccess ? fault : code;
     }
@@ -267,48 +228,75 @@ private:
     // Checks a write as a camera would (injected fault, type, access, range and
     // grid, entry), journals it, stores it and queues the change notifications,
     // also of the features whose value changes with this selector.
-    OrvErrorType write(Op op, OrvFeatureDataType type, const QVariant& value)
+    OrvErrorType write(Op op, OrvFeatureDataType given, const QVariant& value)
     {
         const std::shared_ptr<Core> core = m_core.lock();
         if (!core)
             return OrvErrorDeviceLost;
         std::lock_guard<std::mutex> lock(core->mutex);
-        const FeatureData& d = m_data;
-        Slot& s = core->slot(m_data);
-        const bool textual = d.type == OrvFeatureDataEnum || d.type == OrvFeatureDataString;
+        Slot& s = core->slot(*this);
         const double v = value.toDouble();
-        const bool offGrid = d.type == OrvFeatureDataInt && d.increment > 0 &&
-                             (value.toLongLong() - (long long)d.minimum) % (long long)d.increment != 0;
-        OrvErrorType code = core->fault(d.name, op);
-        if (code == OrvErrorSuccess && d.type != type && !(type == OrvFeatureDataString && textual))
+        const bool offGrid =
+            type == Int && increment > 0 && (value.toLongLong() - (long long)minimum) % (long long)increment != 0;
+        const bool badEntry = !entries.contains(value.toString()) || unavailable.contains(value.toString());
+        OrvErrorType code = core->fault(name, op);
+        if (code == OrvErrorSuccess && type != given && !(given == String && type == Enum))
             code = OrvErrorWrongType;
         else if (code == OrvErrorSuccess && !s.writable)
             code = OrvErrorInvalidAccess;
-        else if (code == OrvErrorSuccess && (d.type == OrvFeatureDataInt || d.type == OrvFeatureDataFloat) &&
-                 (v < d.minimum || v > d.maximum || offGrid))
-            code = OrvErrorInvalidValue;
-        else if (code == OrvErrorSuccess && d.type == OrvFeatureDataEnum &&
-                 (!d.entries.contains(value.toString()) || s.unavailable.contains(value.toString())))
+        else if (code == OrvErrorSuccess &&
+                 (((type == Int || type == Float) && (v < minimum || v > maximum || offGrid)) ||
+                  (type == Enum && badEntry)))
             code = OrvErrorInvalidValue;
         const QString refused = code == OrvErrorSuccess ? QString() : QString(" refused %1").arg(code);
-        core->journal << d.name + (type == OrvFeatureDataCommand ? "()" : "=" + text(d.type, value)) + refused;
-        if (code != OrvErrorSuccess || type == OrvFeatureDataCommand)
+        core->journal << name + (given == Command ? "()" : "=" + text(type, value)) + refused;
+        if (code != OrvErrorSuccess || given == Command)
             return code;
-        QVector<QPair<FeatureData*, QString>> dependents;
-        for (FeatureData& other : core->features)
-            if (other.selector == d.name)
-                dependents.append({&other, core->slot(other).value.toString()});
-        s.value = fit(d.type, value);
-        core->enqueue(&m_data);
-        for (const auto& dependent : dependents)
-            if (core->slot(*dependent.first).value.toString() != dependent.second)
-                core->enqueue(dependent.first);
+        const QString entryBefore = base.value.toString(); // the one the features it selects address
+        s.value = fit(type, value);
+        core->queue.push_back(this);
+        for (const std::shared_ptr<TestFeature>& f : core->features)
+            if (f->selector == name && f->at(entryBefore).value.toString() != core->slot(*f).value.toString())
+                core->queue.push_back(f.get());
+        core->changed.notify_all();
         return OrvErrorSuccess;
     }
 
     const std::weak_ptr<Core> m_core;
-    FeatureData& m_data;
 };
+
+std::shared_ptr<TestFeature> Core::find(const QString& name)
+{
+    auto it = std::find_if(features.begin(), features.end(), [&](const auto& f) { return f->name == name; });
+    return it == features.end() ? nullptr : *it;
+}
+
+// The state that reads and writes of the feature address right now.
+Slot& Core::slot(FeatureData& d)
+{
+    const std::shared_ptr<TestFeature> selector = d.selector.isEmpty() ? nullptr : find(d.selector);
+    return selector ? d.at(selector->base.value.toString()) : d.base;
+}
+
+// The notification thread: observers are called without the lock held.
+void Core::deliver()
+{
+    std::unique_lock<std::mutex> lock(mutex);
+    for (;;)
+    {
+        changed.wait(lock, [this] { return stopping || !queue.empty(); });
+        if (stopping)
+            return;
+        const std::shared_ptr<TestFeature> feature = queue.front()->shared_from_this();
+        const std::vector<Observer> observers = feature->observers;
+        lock.unlock();
+        for (const Observer& observer : observers)
+            observer->FeatureChanged(feature);
+        lock.lock();
+        queue.pop_front();
+        changed.notify_all();
+    }
+}
 
 FeatureSetup& FeatureSetup::displayName(const QString& text)
 {
@@ -324,7 +312,7 @@ FeatureSetup& FeatureSetup::writable(bool on)
 
 FeatureSetup& FeatureSetup::unavailable(const QStringList& entries)
 {
-    feature.base.unavailable = entries;
+    feature.unavailable = entries;
     return *this;
 }
 
@@ -347,11 +335,10 @@ TestCamera::TestCamera()
 
 TestCamera::~TestCamera()
 {
-    {
-        std::lock_guard<std::mutex> lock(m_core->mutex);
-        m_core->stopping = true;
-        m_core->changed.notify_all();
-    }
+    std::unique_lock<std::mutex> lock(m_core->mutex);
+    m_core->stopping = true;
+    m_core->changed.notify_all();
+    lock.unlock();
     m_core->notifier.join();
 }
 
@@ -359,51 +346,46 @@ FeatureSetup TestCamera::add(const QString& name, OrvFeatureDataType type, const
                              double maximum, double increment, const QStringList& entries)
 {
     std::lock_guard<std::mutex> lock(m_core->mutex);
-    m_core->features.push_back({name, name, type, minimum, maximum, increment, entries, {fit(type, value)}});
-    FeatureData& d = m_core->features.back();
-    d.handle = std::make_shared<TestFeature>(m_core, d);
-    return {d};
+    const FeatureData data{name, name, type, minimum, maximum, increment, entries, {}, {fit(type, value)}};
+    m_core->features.push_back(std::make_shared<TestFeature>(m_core, data));
+    return {*m_core->features.back()};
 }
 
 FeatureSetup TestCamera::addInt(const QString& name, long long value, long long minimum, long long maximum,
                                 long long increment)
 {
-    return add(name, OrvFeatureDataInt, value, double(minimum), double(maximum), double(increment));
+    return add(name, Int, value, double(minimum), double(maximum), double(increment));
 }
 
 FeatureSetup TestCamera::addEnum(const QString& name, const QStringList& entries, const QString& value)
 {
-    return add(name, OrvFeatureDataEnum, value, 0, 0, 0, entries);
+    return add(name, Enum, value, 0, 0, 0, entries);
 }
 
 FeatureList TestCamera::features() const
 {
     std::lock_guard<std::mutex> lock(m_core->mutex);
-    FeatureList list(new QVector<OrvCPP::shared_ptr<OrvCPP::Feature>>());
-    for (const FeatureData& d : m_core->features)
-        list->append(d.handle);
-    return list;
+    return FeatureList::create(m_core->features.begin(), m_core->features.end());
 }
 
 OrvCPP::shared_ptr<OrvCPP::Feature> TestCamera::feature(const QString& name) const
 {
     std::lock_guard<std::mutex> lock(m_core->mutex);
-    FeatureData* d = m_core->find(name);
-    return d ? d->handle : nullptr;
+    return m_core->find(name);
 }
 
 QString TestCamera::value(const QString& name) const
 {
     std::lock_guard<std::mutex> lock(m_core->mutex);
-    FeatureData* d = m_core->find(name);
-    return d ? text(d->type, m_core->slot(*d).value) : QString();
+    const std::shared_ptr<TestFeature> f = m_core->find(name);
+    return f ? text(f->type, m_core->slot(*f).value) : QString();
 }
 
 void TestCamera::set(const QString& name, const QVariant& value, const QString& selectorEntry)
 {
     std::lock_guard<std::mutex> lock(m_core->mutex);
-    if (FeatureData* d = m_core->find(name))
-        (selectorEntry.isNull() ? m_core->slot(*d) : d->at(selectorEntry)).value = fit(d->type, value);
+    if (const std::shared_ptr<TestFeature> f = m_core->find(name))
+        (selectorEntry.isNull() ? m_core->slot(*f) : f->at(selectorEntry)).value = fit(f->type, value);
 }
 
 QStringList TestCamera::takeJournal()
@@ -427,8 +409,9 @@ void TestCamera::clearFaults()
 void TestCamera::notify(const QString& name)
 {
     std::lock_guard<std::mutex> lock(m_core->mutex);
-    if (FeatureData* d = m_core->find(name))
-        m_core->enqueue(d);
+    if (const std::shared_ptr<TestFeature> f = m_core->find(name))
+        m_core->queue.push_back(f.get());
+    m_core->changed.notify_all();
 }
 
 void TestCamera::waitForNotifications() const
@@ -440,8 +423,8 @@ void TestCamera::waitForNotifications() const
 int TestCamera::observerCount(const QString& name) const
 {
     std::lock_guard<std::mutex> lock(m_core->mutex);
-    FeatureData* d = m_core->find(name);
-    return d ? int(d->observers.size()) : 0;
+    const std::shared_ptr<TestFeature> f = m_core->find(name);
+    return f ? int(f->observers.size()) : 0;
 }
 
 } // namespace TestCam
