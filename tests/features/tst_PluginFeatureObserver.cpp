@@ -47,7 +47,7 @@ void tst_PluginFeatureObserver::valueText()
     switch (type)
     {
     case OrvFeatureDataInt:
-        cam.addInt("F", value, 0, value);
+        cam.add("F", OrvFeatureDataInt, value, 0, value);
         break;
     case OrvFeatureDataFloat:
         cam.add("F", OrvFeatureDataFloat, double(value));
@@ -79,7 +79,7 @@ void tst_PluginFeatureObserver::valueText()
 void tst_PluginFeatureObserver::queuedFromCameraThread()
 {
     TestCamera cam;
-    cam.addInt("Width", 640, 0, 4096, 1);
+    cam.add("Width", OrvFeatureDataInt, 640, 0, 4096, 1);
     cam.addEnum("TriggerMode", {"Off", "On"}, "Off");
     OrvCPP::shared_ptr<PluginFeatureObserver> observer = PluginFeatureObserver::create();
     for (const char* name : {"Width", "TriggerMode"})

@@ -17,9 +17,9 @@ const OrvFeatureDataType Int = OrvFeatureDataInt, Float = OrvFeatureDataFloat, B
 
 static QString text(OrvFeatureDataType type, const QVariant& value)
 {
-    if (type == Float)
-        return QString::number(value.toDouble(), 'g', 12);
-    return type == Bool ? QVariant(value.toBool()).toString() : value.toString();
+    return type == Float  ? QString::number(value.toDouble(), 'g', 12)
+           : type == Bool ? QVariant(value.toBool()).toString()
+                          : value.toString();
 }
 
 // The value as a feature of the type holds it.
@@ -304,9 +304,9 @@ FeatureSetup& FeatureSetup::displayName(const QString& text)
     return *this;
 }
 
-FeatureSetup& FeatureSetup::writable(bool on)
+FeatureSetup& FeatureSetup::writable(bool on, const QString& selectorEntry)
 {
-    feature.base.writable = on;
+    (selectorEntry.isNull() ? feature.base : feature.at(selectorEntry)).writable = on;
     return *this;
 }
 
@@ -319,12 +319,6 @@ FeatureSetup& FeatureSetup::unavailable(const QStringList& entries)
 FeatureSetup& FeatureSetup::selectedBy(const QString& selectorName)
 {
     feature.selector = selectorName;
-    return *this;
-}
-
-FeatureSetup& FeatureSetup::writableAt(const QString& selectorEntry, bool on)
-{
-    feature.at(selectorEntry).writable = on;
     return *this;
 }
 
@@ -349,12 +343,6 @@ FeatureSetup TestCamera::add(const QString& name, OrvFeatureDataType type, const
     const FeatureData data{name, name, type, minimum, maximum, increment, entries, {}, {fit(type, value)}};
     m_core->features.push_back(std::make_shared<TestFeature>(m_core, data));
     return {*m_core->features.back()};
-}
-
-FeatureSetup TestCamera::addInt(const QString& name, long long value, long long minimum, long long maximum,
-                                long long increment)
-{
-    return add(name, Int, value, double(minimum), double(maximum), double(increment));
 }
 
 FeatureSetup TestCamera::addEnum(const QString& name, const QStringList& entries, const QString& value)

@@ -15,7 +15,7 @@
 //   TestCamera cam;
 //   cam.addEnum("LineSelector", {"Line0", "Line1"}, "Line0");
 //   cam.addEnum("LineMode", {"Input", "Output"}, "Input").selectedBy("LineSelector");
-//   cam.setAt("LineMode", "Line1", "Output");
+//   cam.set("LineMode", "Output", "Line1");
 //   FeatureList features = cam.features();
 namespace TestCam
 {
@@ -50,19 +50,18 @@ enum class Op
 struct Core;
 struct FeatureData;
 
-// Set-up of one feature, returned by the TestCamera::add... calls; done before
-// the features are in use.
+// Set-up of one feature, returned by the TestCamera::add calls; done before the
+// features are in use. A feature selected by another holds one value and
+// writability per entry of the selector, each a copy of the set-up ones until
+// changed.
 struct FeatureSetup
 {
     FeatureData& feature;
 
     FeatureSetup& displayName(const QString& text);
-    FeatureSetup& writable(bool on);
+    FeatureSetup& writable(bool on, const QString& selectorEntry = QString());
     FeatureSetup& unavailable(const QStringList& entries);
-    // The feature holds one state per entry of the selector; each entry starts
-    // as a copy of the state set up here.
     FeatureSetup& selectedBy(const QString& selectorName);
-    FeatureSetup& writableAt(const QString& selectorEntry, bool on);
 };
 
 class TestCamera
@@ -74,9 +73,7 @@ public:
 
     // A feature of any type; an increment of 0 means it reports none (its read fails).
     FeatureSetup add(const QString& name, OrvFeatureDataType type, const QVariant& value = {}, double minimum = 0,
-                     double maximum = 1000, double increment = 0, const QStringList& entries = {});
-    FeatureSetup addInt(const QString& name, long long value, long long minimum = 0, long long maximum = 1000,
-                        long long increment = 1);
+                     double maximum = 1000, double increment = 1, const QStringList& entries = {});
     FeatureSetup addEnum(const QString& name, const QStringList& entries, const QString& value);
 
     // The host's view: a shared list of all features in the order they were added.

@@ -56,7 +56,7 @@ void tst_BaseTabPluginWidget::changesReachTheTick()
 {
     TestCamera cam;
     cam.addEnum("TriggerMode", {"Off", "On"}, "Off");
-    cam.addInt("Width", 64);
+    cam.add("Width", OrvFeatureDataInt, 64);
     cam.addEnum("TriggerSource", {"Line0", "Software"}, "Line0");
     {
         ProbeTab tab(cam.features(), {"TriggerSource", "TriggerMode", "ExposureAuto"});

@@ -16,7 +16,7 @@ void addTrigger(TestCamera& cam, const QStringList& selectors, const QStringList
     cam.addEnum("TriggerSource", sources, sources.first());
     cam.addEnum("TriggerActivation", activations, activations.first());
     cam.addEnum("AcquisitionMode", {"Continuous", "SingleFrame", "MultiFrame"}, "SingleFrame");
-    cam.addInt("AcquisitionFrameCount", 1, 1, 255, 1);
+    cam.add("AcquisitionFrameCount", OrvFeatureDataInt, 1, 1, 255, 1);
     cam.add("TriggerSoftware", OrvFeatureDataCommand);
 }
 
@@ -33,7 +33,7 @@ void addLines(TestCamera& cam, const QStringList& modes, bool userOutputs)
     for (int i = 0; i < modes.size(); ++i)
     {
         cam.set("LineMode", modes.at(i) == "Output" ? "Output" : "Input", lines.at(i));
-        mode.writableAt(lines.at(i), modes.at(i) == "Switch");
+        mode.writable(modes.at(i) == "Switch", lines.at(i));
     }
     cam.addEnum("LineSource", {"Off", "Direct", "UserOutput0", "UserOutput1", "ExposureActive"}, "Off")
         .selectedBy("LineSelector");
@@ -54,7 +54,7 @@ void addSyncOuts(TestCamera& cam, const QString& prefix, int outputs)
     cam.addEnum(prefix + "Selector", entries, entries.first());
     cam.addEnum(prefix + "Source", {"GPO", "Exposing", "Readout"}, "Exposing").selectedBy(prefix + "Selector");
     cam.addEnum(prefix + "Polarity", {"Normal", "Invert"}, "Normal").selectedBy(prefix + "Selector");
-    cam.addInt(prefix + "Levels", 0, 0, 1LL << 40);
+    cam.add(prefix + "Levels", OrvFeatureDataInt, 0, 0, 1LL << 40);
 }
 
 } // namespace
