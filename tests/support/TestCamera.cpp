@@ -120,13 +120,10 @@ public:
     }
     OrvErrorType GetValues(std::vector<std::string>& v) override
     {
-        return read(Op::GetValues, {Enum},
-                    [&](Slot&)
-                    {
-                        v.clear();
-                        for (const QString& entry : entries)
-                            v.push_back(entry.toStdString());
-                    });
+        std::vector<std::string> all;
+        for (const QString& entry : entries)
+            all.push_back(entry.toStdString());
+        return read(Op::GetValues, {Enum}, [&](Slot&) { v = all; });
     }
     OrvErrorType GetValue(std::string& v) override
     {
@@ -327,11 +324,15 @@ TestCamera::TestCamera()
 {
 }
 
+// Handles kept elsewhere answer "device lost" from now on and hold no observers.
 TestCamera::~TestCamera()
 {
+    std::vector<std::vector<Observer>> released; // let go of without the lock held
     std::unique_lock<std::mutex> lock(m_core->mutex);
     m_core->stopping = true;
     m_core->changed.notify_all();
+    for (const std::shared_ptr<TestFeature>& f : m_core->features)
+        released.push_back(std::exchange(f->observers, {}));
     lock.unlock();
     m_core->notifier.join();
 }
