@@ -202,21 +202,21 @@ void tst_FeatureManager::call()
     QFETCH(int, index);
     const Call& c = calls().at(index);
     TestCamera cam;
-    cam.addInt("IntStep10", 30, 0, 100, 10);
-    cam.addInt("IntStep3", 30, 0, 100, 3);
-    cam.addInt("IntNoStep", 30, 0, 100, 0);
-    cam.addInt("IntSigned", 0, -10, 10, 1);
-    cam.addInt("IntSignedNoStep", 0, -10, 10, 0);
-    cam.addInt("ReadOnlyInt", 30, 0, 100, 10).writable(false);
-    cam.addFloat("FloatStep05", 100.0, 10.0, 999.9, 0.5);
-    cam.addFloat("FloatNoStep", 12.5, 0.0, 1000.0);
-    cam.addFloat("FloatTenth", 0.1, 0.0, 0.3, 0.1);
-    cam.addBool("Bool", true).displayName("Boolean");
-    cam.addBool("ReadOnlyBool", false).writable(false);
+    cam.add("IntStep10", OrvFeatureDataInt, 30, 0, 100, 10);
+    cam.add("IntStep3", OrvFeatureDataInt, 30, 0, 100, 3);
+    cam.add("IntNoStep", OrvFeatureDataInt, 30, 0, 100, 0);
+    cam.add("IntSigned", OrvFeatureDataInt, 0, -10, 10, 1);
+    cam.add("IntSignedNoStep", OrvFeatureDataInt, 0, -10, 10, 0);
+    cam.add("ReadOnlyInt", OrvFeatureDataInt, 30, 0, 100, 10).writable(false);
+    cam.add("FloatStep05", OrvFeatureDataFloat, 100.0, 10.0, 999.9, 0.5);
+    cam.add("FloatNoStep", OrvFeatureDataFloat, 12.5, 0.0, 1000.0, 0);
+    cam.add("FloatTenth", OrvFeatureDataFloat, 0.1, 0.0, 0.3, 0.1);
+    cam.add("Bool", OrvFeatureDataBool, true).displayName("Boolean");
+    cam.add("ReadOnlyBool", OrvFeatureDataBool, false).writable(false);
     cam.addEnum("Enum", {"On", "Once", "Off"}, "On").unavailable({"Once"}).displayName("Enumeration");
     cam.addEnum("ReadOnlyEnum", {"On", "Off"}, "On").writable(false);
-    cam.addString("String", "Cam 1");
-    cam.addCommand("Command");
+    cam.add("String", OrvFeatureDataString, "Cam 1");
+    cam.add("Command", OrvFeatureDataCommand);
     if (!c.faultFeature.isEmpty())
         cam.fail(c.faultFeature, c.faultOp, OrvErrorTimeout);
     const FeatureManager manager(cam.features());
@@ -226,7 +226,7 @@ void tst_FeatureManager::call()
         qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& m) { g_messages << m; });
     QStringList lines{c.run(manager)};
     qInstallMessageHandler(previous);
-    for (const QString& write : cam.journal())
+    for (const QString& write : cam.takeJournal())
         lines << "> " + write;
     for (const QString& message : qAsConst(g_messages))
         lines << "log " + message;

@@ -47,22 +47,22 @@ void tst_PluginFeatureObserver::valueText()
     switch (type)
     {
     case OrvFeatureDataInt:
-        cam.addInt("F", value, 0, value);
+        cam.add("F", OrvFeatureDataInt, value, 0, value);
         break;
     case OrvFeatureDataFloat:
-        cam.addFloat("F", double(value));
+        cam.add("F", OrvFeatureDataFloat, double(value));
         break;
     case OrvFeatureDataEnum:
         cam.addEnum("F", {QString::number(value)}, QString::number(value));
         break;
     case OrvFeatureDataBool:
-        cam.addBool("F", true);
+        cam.add("F", OrvFeatureDataBool, true);
         break;
     case OrvFeatureDataCommand:
-        cam.addCommand("F");
+        cam.add("F", OrvFeatureDataCommand);
         break;
     default:
-        cam.addRaw("F");
+        cam.add("F", OrvFeatureDataRaw);
     }
     if (fault >= 0)
         cam.fail("F", Op(fault), OrvErrorDeviceLost);
@@ -73,13 +73,13 @@ void tst_PluginFeatureObserver::valueText()
     QCOMPARE(spy.count(), signal.isEmpty() ? 0 : 1);
     if (!signal.isEmpty())
         QCOMPARE(spy.at(0), (QVariantList{signal.at(0), signal.at(1)}));
-    QVERIFY(cam.journal().isEmpty());
+    QVERIFY(cam.takeJournal().isEmpty());
 }
 
 void tst_PluginFeatureObserver::queuedFromCameraThread()
 {
     TestCamera cam;
-    cam.addInt("Width", 640, 0, 4096, 1);
+    cam.add("Width", OrvFeatureDataInt, 640, 0, 4096, 1);
     cam.addEnum("TriggerMode", {"Off", "On"}, "Off");
     OrvCPP::shared_ptr<PluginFeatureObserver> observer = PluginFeatureObserver::create();
     for (const char* name : {"Width", "TriggerMode"})

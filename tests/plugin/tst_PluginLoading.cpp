@@ -59,7 +59,7 @@ void tst_PluginLoading::tabsFollowTheHostsAcquisition()
     QVERIFY(plugin()->connectFromAcquire(&host, SIGNAL(acquiring(bool))));
     QVERIFY(!plugin()->connectFromAcquire(&host, SIGNAL(started(bool))));
     TestCamera cam;
-    cam.addInt("SyncOutLevels", 0, 0, 15);
+    cam.add("SyncOutLevels", OrvFeatureDataInt, 0, 0, 15);
     cam.addEnum("SyncOutSelector", {"SyncOut1", "SyncOut2"}, "SyncOut1");
     cam.addEnum("SyncOutSource", {"GPO", "Exposing"}, "GPO").selectedBy("SyncOutSelector");
     QWidget first, second;
@@ -96,7 +96,7 @@ void tst_PluginLoading::unsupportedCameraGetsNoTab()
     QCOMPARE(plugin()->get(cam.features(), parent, &settings), 4);
     QVERIFY(!parent.layout());
     QVERIFY(parent.findChildren<QWidget*>().isEmpty());
-    QVERIFY(cam.journal().isEmpty());
+    QVERIFY(cam.takeJournal().isEmpty());
 }
 
 void tst_PluginLoading::deletedInstanceIsMadeAnew()

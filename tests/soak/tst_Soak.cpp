@@ -139,8 +139,7 @@ void tst_Soak::soak_data()
 QString tst_Soak::checkStep(TestCamera& cam, Kind kind, const QMap<QString, QString>& before, bool tabGone)
 {
     const QString where = QString(" at step %1 (%2), seed %3").arg(m_step).arg(KindNames[kind]).arg(m_seed);
-    const QStringList journal = cam.journal();
-    cam.clearJournal();
+    const QStringList journal = cam.takeJournal();
 
     ++m_checks;
     const bool mayWrite = kind == Build || kind == Edit || kind == LineEdit || kind == Preset || kind == PresetDelete;

@@ -3,7 +3,6 @@
 
 #include "FeatureList.h"
 
-#include <QString>
 #include <QStringList>
 #include <QVariant>
 
@@ -15,8 +14,8 @@
 //
 //   TestCamera cam;
 //   cam.addEnum("LineSelector", {"Line0", "Line1"}, "Line0");
-//   cam.addEnum("LineMode", {"Input", "Output"}, "Input").selectedBy("LineSelector")
-//       .setAt("Line1", "Output");
+//   cam.addEnum("LineMode", {"Input", "Output"}, "Input").selectedBy("LineSelector");
+//   cam.set("LineMode", "Output", "Line1");
 //   FeatureList features = cam.features();
 namespace TestCam
 {
@@ -49,25 +48,20 @@ enum class Op
 };
 
 struct Core;
+struct FeatureData;
 
-// Configuration handle of one feature, returned by the TestCamera::add... calls.
-class FeatureSetup
+// Set-up of one feature, returned by the TestCamera::add calls; done before the
+// features are in use. A feature selected by another holds one value and
+// writability per entry of the selector, each a copy of the set-up ones until
+// changed.
+struct FeatureSetup
 {
-public:
-    FeatureSetup(std::shared_ptr<Core> core, int index);
+    FeatureData& feature;
 
     FeatureSetup& displayName(const QString& text);
-    FeatureSetup& writable(bool on);
+    FeatureSetup& writable(bool on, const QString& selectorEntry = QString());
     FeatureSetup& unavailable(const QStringList& entries);
-    // The feature holds one state per entry of the selector; every entry starts
-    // as a copy of the state set so far.
     FeatureSetup& selectedBy(const QString& selectorName);
-    FeatureSetup& setAt(const QString& selectorEntry, const QVariant& value);
-    FeatureSetup& writableAt(const QString& selectorEntry, bool on);
-
-private:
-    std::shared_ptr<Core> m_core;
-    int m_index;
 };
 
 class TestCamera
@@ -75,35 +69,26 @@ class TestCamera
 public:
     TestCamera();
     ~TestCamera();
-    TestCamera(const TestCamera&) = delete;
-    TestCamera& operator=(const TestCamera&) = delete;
+    Q_DISABLE_COPY(TestCamera)
 
-    // An increment of 0 means the feature reports none (its read fails).
-    FeatureSetup addInt(const QString& name, long long value, long long minimum = 0, long long maximum = 1000,
-                        long long increment = 1);
-    FeatureSetup addFloat(const QString& name, double value, double minimum = 0.0, double maximum = 1000.0,
-                          double increment = 0.0);
-    FeatureSetup addBool(const QString& name, bool value);
+    // A feature of any type; an increment of 0 means it reports none (its read fails).
+    FeatureSetup add(const QString& name, OrvFeatureDataType type, const QVariant& value = {}, double minimum = 0,
+                     double maximum = 1000, double increment = 1, const QStringList& entries = {});
     FeatureSetup addEnum(const QString& name, const QStringList& entries, const QString& value);
-    FeatureSetup addString(const QString& name, const QString& value);
-    FeatureSetup addCommand(const QString& name);
-    FeatureSetup addRaw(const QString& name);
 
     // The host's view: a shared list of all features in the order they were added.
     FeatureList features() const;
     OrvCPP::shared_ptr<OrvCPP::Feature> feature(const QString& name) const;
 
-    // Value as text at the selector's current entry; set without a journal entry
-    // or a notification (a missing name is ignored).
+    // Value as text at the selector's current entry; set there or at the given
+    // entry without a journal entry or a notification (a missing name is ignored).
     QString value(const QString& name) const;
-    void set(const QString& name, const QVariant& value);
-    void setAt(const QString& name, const QString& selectorEntry, const QVariant& value);
-    void setWritable(const QString& name, bool on);
+    void set(const QString& name, const QVariant& value, const QString& selectorEntry = QString());
 
-    // Every write and command that reached the camera, in order: "Name=Value",
-    // "Name()" for a command; a refused one gets " refused" and its code appended.
-    QStringList journal() const;
-    void clearJournal();
+    // Every write and command that reached the camera since the last call, in
+    // order: "Name=Value", "Name()" for a command; a refused one gets " refused"
+    // and its code appended.
+    QStringList takeJournal();
 
     // Make an operation of a feature return the code: `times` calls, or always (-1).
     void fail(const QString& name, Op op, OrvErrorType code, int times = -1);
@@ -116,9 +101,6 @@ public:
     int observerCount(const QString& name) const;
 
 private:
-    FeatureSetup add(const QString& name, OrvFeatureDataType type, const QVariant& value, double minimum = 0,
-                     double maximum = 0, double increment = 0, const QStringList& entries = {});
-
     std::shared_ptr<Core> m_core;
 };
 

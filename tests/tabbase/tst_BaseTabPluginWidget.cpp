@@ -56,7 +56,7 @@ void tst_BaseTabPluginWidget::changesReachTheTick()
 {
     TestCamera cam;
     cam.addEnum("TriggerMode", {"Off", "On"}, "Off");
-    cam.addInt("Width", 64);
+    cam.add("Width", OrvFeatureDataInt, 64);
     cam.addEnum("TriggerSource", {"Line0", "Software"}, "Line0");
     {
         ProbeTab tab(cam.features(), {"TriggerSource", "TriggerMode", "ExposureAuto"});
@@ -127,7 +127,7 @@ void tst_BaseTabPluginWidget::comboBoxFill()
     QCOMPARE(combo.currentIndex(), index);
     QCOMPARE(combo.isEnabled(), writable);
     QCOMPARE(combo.itemData(1, Qt::ToolTipRole).toString(), writable ? QString() : QString("Line1"));
-    QVERIFY(cam.journal().isEmpty());
+    QVERIFY(cam.takeJournal().isEmpty());
 }
 
 QTEST_MAIN(tst_BaseTabPluginWidget)

@@ -16,8 +16,8 @@ void addTrigger(TestCamera& cam, const QStringList& selectors, const QStringList
     cam.addEnum("TriggerSource", sources, sources.first());
     cam.addEnum("TriggerActivation", activations, activations.first());
     cam.addEnum("AcquisitionMode", {"Continuous", "SingleFrame", "MultiFrame"}, "SingleFrame");
-    cam.addInt("AcquisitionFrameCount", 1, 1, 255, 1);
-    cam.addCommand("TriggerSoftware");
+    cam.add("AcquisitionFrameCount", OrvFeatureDataInt, 1, 1, 255, 1);
+    cam.add("TriggerSoftware", OrvFeatureDataCommand);
 }
 
 // Lines "Line0"... with their modes ("Output", "Input", or "Switch" for an input
@@ -32,17 +32,17 @@ void addLines(TestCamera& cam, const QStringList& modes, bool userOutputs)
     mode.selectedBy("LineSelector");
     for (int i = 0; i < modes.size(); ++i)
     {
-        mode.setAt(lines.at(i), modes.at(i) == "Output" ? "Output" : "Input");
-        mode.writableAt(lines.at(i), modes.at(i) == "Switch");
+        cam.set("LineMode", modes.at(i) == "Output" ? "Output" : "Input", lines.at(i));
+        mode.writable(modes.at(i) == "Switch", lines.at(i));
     }
     cam.addEnum("LineSource", {"Off", "Direct", "UserOutput0", "UserOutput1", "ExposureActive"}, "Off")
         .selectedBy("LineSelector");
-    cam.addBool("LineInverter", false).selectedBy("LineSelector");
-    cam.addBool("LineStatus", false).selectedBy("LineSelector");
+    cam.add("LineInverter", OrvFeatureDataBool, false).selectedBy("LineSelector");
+    cam.add("LineStatus", OrvFeatureDataBool, false).selectedBy("LineSelector");
     if (userOutputs)
     {
         cam.addEnum("UserOutputSelector", {"UserOutput0", "UserOutput1", "UserOutput2"}, "UserOutput0");
-        cam.addBool("UserOutputValue", false).selectedBy("UserOutputSelector");
+        cam.add("UserOutputValue", OrvFeatureDataBool, false).selectedBy("UserOutputSelector");
     }
 }
 
@@ -54,7 +54,7 @@ void addSyncOuts(TestCamera& cam, const QString& prefix, int outputs)
     cam.addEnum(prefix + "Selector", entries, entries.first());
     cam.addEnum(prefix + "Source", {"GPO", "Exposing", "Readout"}, "Exposing").selectedBy(prefix + "Selector");
     cam.addEnum(prefix + "Polarity", {"Normal", "Invert"}, "Normal").selectedBy(prefix + "Selector");
-    cam.addInt(prefix + "Levels", 0, 0, 1LL << 40);
+    cam.add(prefix + "Levels", OrvFeatureDataInt, 0, 0, 1LL << 40);
 }
 
 } // namespace

@@ -59,15 +59,15 @@ void cameraChanges(TabAccess& tab, TestCamera& cam)
     cam.set("AcquisitionFrameCount", 7);
     cam.set("ExposureMode", "TriggerWidth");
     cam.set("ExposureAuto", "other");
-    cam.setAt("LineRouting", "Line0", "Trigger");
-    cam.setAt("LineSource", "Line1", "UserOutput1");
-    cam.setAt("LineSource", "Line3", "UserOutput1");
-    cam.setAt("LineInverter", "Line3", true);
-    cam.setAt("LineStatus", "Line1", true);
-    cam.setAt("UserOutputValue", "UserOutput1", true);
-    cam.setAt("SyncOutSource", "SyncOut2", "GPO");
-    cam.setAt("SyncOutPolarity", "SyncOut3", "Invert");
-    cam.setAt("LineOutPolarity", "SyncOut2", "Invert");
+    cam.set("LineRouting", "Trigger", "Line0");
+    cam.set("LineSource", "UserOutput1", "Line1");
+    cam.set("LineSource", "UserOutput1", "Line3");
+    cam.set("LineInverter", true, "Line3");
+    cam.set("LineStatus", true, "Line1");
+    cam.set("UserOutputValue", true, "UserOutput1");
+    cam.set("SyncOutSource", "GPO", "SyncOut2");
+    cam.set("SyncOutPolarity", "Invert", "SyncOut3");
+    cam.set("LineOutPolarity", "Invert", "SyncOut2");
     cam.set("SyncOutLevels", 5);
     cam.set("LineOutLevels", 2);
     tab.refresh(tab.m_ObservedFeatures);
@@ -124,7 +124,7 @@ const QList<QPair<QString, Action>>& scenarios()
          [](TabAccess& t, TestCamera& cam)
          {
              cameraChanges(t, cam);
-             cam.clearJournal();
+             cam.takeJournal();
              QCheckBox* value = t.m_OutputRows.isEmpty() ? nullptr : t.m_OutputRows.first()->m_pCBUserValue.data();
              toggle(value);
              toggle(value);
@@ -236,9 +236,9 @@ void tst_TriggerIOTab::scenario()
         // Ticks come only from the scenario itself.
         tab.m_pUpdateTimer->stop();
         if (index > 0)
-            cam.clearJournal();
+            cam.takeJournal();
         scenarios().at(index).second(tab, cam);
-        for (const QString& write : cam.journal())
+        for (const QString& write : cam.takeJournal())
             lines << "> " + write;
         lines += view(tab, cam);
     }
