@@ -44,26 +44,9 @@ void tst_PluginFeatureObserver::valueText()
     QFETCH(QStringList, signal);
     TestCamera cam;
     const qint64 value = 1234567890123LL;
-    switch (type)
-    {
-    case OrvFeatureDataInt:
-        cam.add("F", OrvFeatureDataInt, value, 0, value);
-        break;
-    case OrvFeatureDataFloat:
-        cam.add("F", OrvFeatureDataFloat, double(value));
-        break;
-    case OrvFeatureDataEnum:
-        cam.addEnum("F", {QString::number(value)}, QString::number(value));
-        break;
-    case OrvFeatureDataBool:
-        cam.add("F", OrvFeatureDataBool, true);
-        break;
-    case OrvFeatureDataCommand:
-        cam.add("F", OrvFeatureDataCommand);
-        break;
-    default:
-        cam.add("F", OrvFeatureDataRaw);
-    }
+    // Bool true, the enumeration's one entry named after the number.
+    const QVariant shown = type == OrvFeatureDataBool ? QVariant(true) : QVariant(value);
+    cam.add("F", OrvFeatureDataType(type), shown, 0, double(value), 1, {QString::number(value)});
     if (fault >= 0)
         cam.fail("F", Op(fault), OrvErrorDeviceLost);
     PluginFeatureObserver observer;
