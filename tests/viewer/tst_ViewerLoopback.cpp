@@ -21,10 +21,7 @@ void choose(QWidget* tab, const QString& entry, const QStringList& neighbours)
     for (QComboBox* combo : tab->findChildren<QComboBox*>())
         for (const QString& neighbour : neighbours)
             if (combo->findText(entry) >= 0 && combo->findText(neighbour) >= 0)
-            {
-                combo->setCurrentIndex(combo->findText(entry));
-                return;
-            }
+                return combo->setCurrentText(entry);
     QFAIL(qPrintable("no combo box offers " + entry));
 }
 
@@ -51,6 +48,10 @@ private slots:
         QTest::newRow("missing model file") << QByteArray("") << none << 2 << "cannot open camera";
         QTest::newRow("malformed model file")
             << QByteArray("<RegisterDescription><Category Name=\"Root\">") << none << 2 << "cannot open camera";
+        QTest::newRow("a camera the tab does not serve")
+            << QByteArray("<RegisterDescription><Category Name=\"Root\"><pFeature>Gain</pFeature></Category>"
+                          "<Integer Name=\"Gain\"><Value>1</Value></Integer></RegisterDescription>")
+            << QStringList{TRIGGERIO_PLUGIN_FILE} << 3 << "offers no tab for this camera";
         QTest::newRow("empty plug-in folder") << QByteArray() << none << 3 << "No tab plug-in";
         QTest::newRow("another IID only") << QByteArray() << QStringList{other} << 3 << "not TabExtensionInterface";
         QTest::newRow("another IID beside the tab")
@@ -83,10 +84,9 @@ private slots:
         QVERIFY(process.waitForFinished(30000));
         QCOMPARE(process.exitStatus(), QProcess::NormalExit);
         QCOMPARE(process.exitCode(), code);
-        QStringList errors;
-        for (const QString& line : QString::fromUtf8(process.readAllStandardError()).split('\n'))
-            if (line.startsWith("triggerio-viewer:"))
-                errors << line;
+        const QStringList errors = QString::fromUtf8(process.readAllStandardError())
+                                       .split('\n')
+                                       .filter(QRegularExpression("^triggerio-viewer:"));
         QCOMPARE(errors.size(), 1);
         QVERIFY2(errors.first().contains(reason), qPrintable(errors.first()));
         QCOMPARE(QFile::exists(shot), code == 0);
