@@ -4,12 +4,15 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QGroupBox>
 #include <QGridLayout>
 #include <QLabel>
 #include <QLibraryInfo>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QtTest>
+
+#include <algorithm>
 
 namespace
 {
@@ -23,6 +26,20 @@ void choose(QWidget* tab, const QString& entry, const QStringList& neighbours)
             if (combo->findText(entry) >= 0 && combo->findText(neighbour) >= 0)
                 return combo->setCurrentText(entry);
     QFAIL(qPrintable("no combo box offers " + entry));
+}
+
+// Writes (if a value is given) and reads a feature straight on the device.
+QString deviceValue(GenICamCamera& camera, const QString& feature, const QString& value = QString())
+{
+    QString text;
+    camera.withAravisDevice(
+        [&](ArvDevice* device)
+        {
+            if (!value.isNull())
+                arv_device_set_string_feature_value(device, qPrintable(feature), qPrintable(value), nullptr);
+            text = QString::fromUtf8(arv_device_get_string_feature_value(device, qPrintable(feature), nullptr));
+        });
+    return text;
 }
 
 } // namespace
@@ -92,25 +109,32 @@ private slots:
         QCOMPARE(QFile::exists(shot), code == 0);
     }
 
-    void softwareTriggerGivesOneFramePerPress_data()
+    void tabDrivesTheCamera_data()
     {
         QTest::addColumn<QString>("model");
         QTest::addColumn<bool>("userOutputs");
-        QTest::newRow("line family") << "line-camera.xml" << true;
-        QTest::newRow("sync-out family") << "syncout-camera.xml" << false;
-        QTest::newRow("line-routing family") << "routing-camera.xml" << true;
+        QTest::addColumn<QStringList>("outputs");
+        QTest::addColumn<QString>("selector"); // and "...Source" beside it
+        QTest::newRow("line family") << "line-camera.xml" << true << QStringList{"Line1"} << "Line";
+        QTest::newRow("sync-out family") << "syncout-camera.xml" << false
+                                         << QStringList{"SyncOut1", "SyncOut2", "SyncOut3"} << "SyncOut";
+        QTest::newRow("line-routing family") << "routing-camera.xml" << true << QStringList{"Line2", "Line3"} << "Line";
     }
 
-    void softwareTriggerGivesOneFramePerPress()
+    void tabDrivesTheCamera()
     {
         QFETCH(QString, model);
         QFETCH(bool, userOutputs);
+        QFETCH(QStringList, outputs);
+        QFETCH(QString, selector);
         if (FakeGigEServer::program().isEmpty())
             QSKIP("arv-fake-gv-camera-0.8 (Debian package aravis-tools) is not installed");
         FakeGigEServer server;
         GenICamCamera camera;
         QString error;
         QVERIFY2(server.startAndOpen(TRIGGERIO_CAMERAS_DIR "/" + model, camera, &error), qPrintable(error));
+        GenICamCamera second; // the camera is ours: another controller is turned away
+        QCOMPARE(second.open("127.0.0.1"), OrvErrorType(OrvErrorInvalidAccess));
 
         ViewerWindow window(&camera);
         QCOMPARE(window.addTabs(TRIGGERIO_PLUGIN_DIR), 1);
@@ -177,6 +201,79 @@ private slots:
             value->click();
             QTRY_COMPARE(status->isChecked(), !before);
         }
+
+        // One row per output line of the model, labelled with the line's name.
+        auto rows = [grid]
+        {
+            QStringList names;
+            for (int row = 1; row < grid->rowCount(); ++row)
+            {
+                QLayoutItem* item = grid->itemAtPosition(row, 0);
+                QLabel* label = item ? qobject_cast<QLabel*>(item->widget()) : nullptr;
+                QLayoutItem* source = grid->itemAtPosition(row, 1);
+                if (label && source && qobject_cast<QComboBox*>(source->widget()))
+                    names << label->text().remove(':').trimmed();
+            }
+            return names;
+        };
+        QCOMPARE(rows(), outputs);
+
+        // An edit of the first row's source reaches the device, and the selector is back where it was.
+        const QString source = selector + "Source";
+        selector += "Selector";
+        QComboBox* sourceCombo = qobject_cast<QComboBox*>(grid->itemAtPosition(1, 1)->widget());
+        QVERIFY(sourceCombo && sourceCombo->count() > 1);
+        const QString selected = deviceValue(camera, selector);
+        const QString chosen = sourceCombo->itemText((sourceCombo->currentIndex() + 1) % sourceCombo->count());
+        sourceCombo->setCurrentText(chosen);
+        QCOMPARE(deviceValue(camera, selector), selected);
+        deviceValue(camera, selector, outputs.first());
+        QCOMPARE(deviceValue(camera, source), chosen);
+        deviceValue(camera, selector, selected);
+
+        // A line switched in the Selectable Output group joins or leaves the output
+        // rows within a few ticks: the camera reports the tab's own mode write.
+        QGroupBox* selectable = tab->findChild<QGroupBox*>("gb_SelectOutput");
+        if (QComboBox* mode = selectable->findChild<QComboBox*>())
+        {
+            QString line; // its label is the line's name and ": "
+            for (QLabel* label : selectable->findChildren<QLabel*>())
+                if (line.isEmpty() && label->text().endsWith(": ") && label->text().startsWith("Line"))
+                    line = label->text().remove(':').trimmed();
+            QTest::qWait(1200); // a tick empties the changed list that the edits left
+            const bool output = mode->currentText() == "Output";
+            mode->setCurrentText(output ? "Input" : "Output");
+            QStringList expected = outputs;
+            if (output)
+                expected.removeAll(line);
+            else
+                expected << line;
+            expected.sort();
+            QTRY_COMPARE_WITH_TIMEOUT(rows(), expected, 5000);
+        }
+
+        // The server goes away mid-session: the viewer and the tab live on, and the
+        // tab's next full refresh shows neutral values.
+        server.stop();
+        QTRY_VERIFY_WITH_TIMEOUT(camera.isDeviceLost(), 10000);
+        for (const char* name :
+             {"TriggerActivation", "TriggerSource", "TriggerMode", "TriggerSelector", "AcquisitionMode", "LineRouting",
+              "LineSelector", "LineSource", "SyncOutSource", "LineInverter", "SyncOutPolarity", "LineStatus",
+              "SyncOutLevels", "UserOutputValue", "LineMode", "ExposureMode", "ExposureAuto"})
+            QVERIFY(QMetaObject::invokeMethod(tab->layout()->itemAt(0)->widget(), "OnFeatureChanged",
+                                              Q_ARG(QString, name), Q_ARG(QString, {})));
+        const QList<QComboBox*> triggerCombos =
+            tab->findChild<QGroupBox*>("gb_TriggerInput")->findChildren<QComboBox*>();
+        auto neutral = [&triggerCombos]
+        {
+            return std::all_of(triggerCombos.begin(), triggerCombos.end(),
+                               [](QComboBox* c) { return c->count() == 0 && c->currentIndex() == -1; });
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(neutral(), 5000);
+        for (QComboBox* combo : tab->findChildren<QComboBox*>()) // edits on a lost device harm nothing
+            combo->setCurrentIndex(combo->count() - 1);
+        QTest::qWait(1200); // another refresh tick on the lost device
+        QVERIFY(neutral() && window.isVisible());
     }
 
     void runCommandShowsATriggeredFrame()
