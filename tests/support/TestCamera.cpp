@@ -412,8 +412,10 @@ void TestCamera::waitForNotifications() const
 int TestCamera::observerCount(const QString& name) const
 {
     std::lock_guard<std::mutex> lock(m_core->mutex);
-    const std::shared_ptr<TestFeature> f = m_core->find(name);
-    return f ? int(f->observers.size()) : 0;
+    int count = 0;
+    for (const std::shared_ptr<TestFeature>& f : m_core->features)
+        count += name.isEmpty() || f->name == name ? int(f->observers.size()) : 0;
+    return count;
 }
 
 } // namespace TestCam

@@ -98,7 +98,8 @@ public:
     void notify(const QString& name);
     // Blocks until every queued notification has been delivered.
     void waitForNotifications() const;
-    int observerCount(const QString& name) const;
+    // Observers of the feature, or of all features for an empty name.
+    int observerCount(const QString& name = QString()) const;
 
 private:
     std::shared_ptr<Core> m_core;

@@ -201,10 +201,7 @@ QStringList view(TabAccess& tab, TestCamera& cam)
     }
     for (QComboBox* combo : qAsConst(tab.m_OptionalOutCombos))
         lines << "| selectable: " + show(combo);
-    int observers = 0;
-    for (const QString& name : qAsConst(tab.m_ObservedFeatures))
-        observers += cam.observerCount(name);
-    lines << QString("| observers: %1").arg(observers);
+    lines << QString("| observers: %1").arg(cam.observerCount());
     for (const QString selector : {"LineSelector", "SyncOutSelector", "LineOutSelector", "UserOutputSelector"})
         if (cam.feature(selector))
             lines << "| camera " + selector + "=" + cam.value(selector);
