@@ -5,7 +5,6 @@
 
 #include <thread>
 
-using TestCam::Op;
 using TestCam::TestCamera;
 
 // What the observer reports when the feature's reads fail, and that a change
@@ -22,22 +21,22 @@ private slots:
 
 void tst_PluginFeatureObserver::failingReads_data()
 {
-    QTest::addColumn<int>("fault");
+    QTest::addColumn<QString>("fault");
     QTest::addColumn<QVariantList>("signal"); // empty: no signal
-    QTest::newRow("value read fails") << int(Op::GetInt) << QVariantList{"Width", ""};
-    QTest::newRow("name read fails") << int(Op::GetName) << QVariantList();
-    QTest::newRow("type read fails") << int(Op::GetDataType) << QVariantList();
+    QTest::newRow("value read fails") << "GetInt" << QVariantList{"Width", ""};
+    QTest::newRow("name read fails") << "GetName" << QVariantList();
+    QTest::newRow("type read fails") << "GetDataType" << QVariantList();
 }
 
 // A change is reported when the feature can be named, with or without its value;
 // a null feature is no change.
 void tst_PluginFeatureObserver::failingReads()
 {
-    QFETCH(int, fault);
+    QFETCH(QString, fault);
     QFETCH(QVariantList, signal);
     TestCamera cam;
     cam.add("Width", OrvFeatureDataInt, 640);
-    cam.fail("Width", Op(fault), OrvErrorDeviceLost);
+    cam.fail("Width", fault, OrvErrorDeviceLost);
     PluginFeatureObserver observer;
     QSignalSpy spy(&observer, &PluginFeatureObserver::setChangedFeature);
     observer.FeatureChanged(cam.feature("Width"));

@@ -23,7 +23,6 @@
 #include <sanitizer/common_interface_defs.h>
 #endif
 
-using TestCam::Op;
 using TestCam::TestCamera;
 
 namespace
@@ -45,11 +44,10 @@ const QStringList Values =
             "MultiFrame Timed TriggerWidth Direct GPO UserOutput1 Invert other Trigger bogus 0 1 5")
         .split(' ');
 // Faults on any operation but the two a camera needs to let an observer go.
-const QList<Op> FaultOps{
-    Op::GetDisplayName, Op::GetCategory, Op::GetDataType,        Op::IsWritable,      Op::IsValueAvailable,
-    Op::GetValues,      Op::GetString,   Op::GetDouble,          Op::GetInt,          Op::GetBool,
-    Op::GetRangeDouble, Op::GetRangeInt, Op::GetIncrementDouble, Op::GetIncrementInt, Op::SetDouble,
-    Op::SetInt,         Op::SetBool,     Op::SetString,          Op::RunCommand,      Op::RegisterObserver};
+const QStringList FaultOps = QString("GetDisplayName GetCategory GetDataType IsWritable IsValueAvailable GetValues "
+                                     "GetString GetDouble GetInt GetBool GetRangeDouble GetRangeInt GetIncrementDouble "
+                                     "GetIncrementInt SetDouble SetInt SetBool SetString RunCommand RegisterObserver")
+                                 .split(' ');
 const QList<OrvErrorType> FaultCodes{OrvErrorInvalidAccess, OrvErrorInvalidValue, OrvErrorDeviceLost,
                                      OrvErrorInvalidCall, OrvErrorTimeout};
 

@@ -63,9 +63,9 @@ struct Core
     std::mutex mutex; // guards everything here
     std::vector<std::shared_ptr<TestFeature>> features;
     QStringList journal;
-    QMap<QPair<QString, Op>, QPair<OrvErrorType, int>> faults; // code, calls left (-1: always)
-    std::deque<TestFeature*> queue;                            // notifications, the front one being delivered
-    std::condition_variable changed;                           // the queue or `stopping`
+    QMap<QPair<QString, QString>, QPair<OrvErrorType, int>> faults; // code, calls left (-1: always)
+    std::deque<TestFeature*> queue;                                 // notifications, the front one being delivered
+    std::condition_variable changed;                                // the queue or `stopping`
     bool stopping = false;
     std::thread notifier{[this] { deliver(); }};
 
@@ -74,9 +74,9 @@ struct Core
     void deliver();
 
     // An injected fault due on this call, or success.
-    OrvErrorType fault(const QString& name, Op op)
+    OrvErrorType fault(const QString& name, const char* op)
     {
-        auto it = faults.find(qMakePair(name, op));
+        auto it = faults.find(qMakePair(name, QString(op)));
         const OrvErrorType code = it == faults.end() ? OrvErrorSuccess : it->first;
         if (it != faults.end() && it->second > 0 && --it->second == 0)
             faults.erase(it);
@@ -95,109 +95,109 @@ public:
 
     OrvErrorType GetName(std::string& v) override
     {
-        return read(Op::GetName, {}, [&](Slot&) { v = name.toStdString(); });
+        return read("GetName", {}, [&](Slot&) { v = name.toStdString(); });
     }
     OrvErrorType GetDisplayName(std::string& v) override
     {
-        return read(Op::GetDisplayName, {}, [&](Slot&) { v = displayName.toStdString(); });
+        return read("GetDisplayName", {}, [&](Slot&) { v = displayName.toStdString(); });
     }
     OrvErrorType GetCategory(std::string& v) override
     {
-        return read(Op::GetCategory, {}, [&](Slot&) { v.clear(); });
+        return read("GetCategory", {}, [&](Slot&) { v.clear(); });
     }
     OrvErrorType GetDataType(OrvFeatureDataType& v) override
     {
-        return read(Op::GetDataType, {}, [&](Slot&) { v = type; });
+        return read("GetDataType", {}, [&](Slot&) { v = type; });
     }
     OrvErrorType IsWritable(bool& v) override
     {
-        return read(Op::IsWritable, {}, [&](Slot& s) { v = s.writable; });
+        return read("IsWritable", {}, [&](Slot& s) { v = s.writable; });
     }
     OrvErrorType IsValueAvailable(const char* entry, bool& v) override
     {
         const QString e = QString::fromUtf8(entry ? entry : "");
-        return read(Op::IsValueAvailable, {Enum}, [&](Slot&) { v = entries.contains(e) && !unavailable.contains(e); });
+        return read("IsValueAvailable", {Enum}, [&](Slot&) { v = entries.contains(e) && !unavailable.contains(e); });
     }
     OrvErrorType GetValues(std::vector<std::string>& v) override
     {
         std::vector<std::string> all;
         for (const QString& entry : entries)
             all.push_back(entry.toStdString());
-        return read(Op::GetValues, {Enum}, [&](Slot&) { v = all; });
+        return read("GetValues", {Enum}, [&](Slot&) { v = all; });
     }
     OrvErrorType GetValue(std::string& v) override
     {
-        return read(Op::GetString, {Int, Float, Enum, String, Bool},
+        return read("GetString", {Int, Float, Enum, String, Bool},
                     [&](Slot& s) { v = text(type, s.value).toStdString(); });
     }
     OrvErrorType GetValue(double& v) override
     {
-        return read(Op::GetDouble, {Float}, [&](Slot& s) { v = s.value.toDouble(); });
+        return read("GetDouble", {Float}, [&](Slot& s) { v = s.value.toDouble(); });
     }
     OrvErrorType GetValue(long long& v) override
     {
-        return read(Op::GetInt, {Int}, [&](Slot& s) { v = s.value.toLongLong(); });
+        return read("GetInt", {Int}, [&](Slot& s) { v = s.value.toLongLong(); });
     }
     OrvErrorType GetValue(bool& v) override
     {
-        return read(Op::GetBool, {Bool}, [&](Slot& s) { v = s.value.toBool(); });
+        return read("GetBool", {Bool}, [&](Slot& s) { v = s.value.toBool(); });
     }
     OrvErrorType GetRange(double& lowest, double& highest) override
     {
-        return read(Op::GetRangeDouble, {Float}, [&](Slot&) { lowest = minimum, highest = maximum; });
+        return read("GetRangeDouble", {Float}, [&](Slot&) { lowest = minimum, highest = maximum; });
     }
     OrvErrorType GetRange(long long& lowest, long long& highest) override
     {
-        return read(Op::GetRangeInt, {Int}, [&](Slot&) { lowest = (long long)minimum, highest = (long long)maximum; });
+        return read("GetRangeInt", {Int}, [&](Slot&) { lowest = (long long)minimum, highest = (long long)maximum; });
     }
     OrvErrorType GetIncrement(double& v) override
     {
-        return read(Op::GetIncrementDouble, {Float}, [&](Slot&) { v = increment; });
+        return read("GetIncrementDouble", {Float}, [&](Slot&) { v = increment; });
     }
     OrvErrorType GetIncrement(long long& v) override
     {
-        return read(Op::GetIncrementInt, {Int}, [&](Slot&) { v = (long long)increment; });
+        return read("GetIncrementInt", {Int}, [&](Slot&) { v = (long long)increment; });
     }
     OrvErrorType SetValue(double value) override
     {
-        return write(Op::SetDouble, Float, value);
+        return write("SetDouble", Float, value);
     }
     OrvErrorType SetValue(long long value) override
     {
-        return write(Op::SetInt, Int, value);
+        return write("SetInt", Int, value);
     }
     OrvErrorType SetValue(bool value) override
     {
-        return write(Op::SetBool, Bool, value);
+        return write("SetBool", Bool, value);
     }
     OrvErrorType SetValue(const char* value) override
     {
-        return value ? write(Op::SetString, String, QString::fromUtf8(value)) : OrvErrorBadParameter;
+        return value ? write("SetString", String, QString::fromUtf8(value)) : OrvErrorBadParameter;
     }
     OrvErrorType RunCommand() override
     {
-        return write(Op::RunCommand, Command, QVariant());
+        return write("RunCommand", Command, QVariant());
     }
     OrvErrorType RegisterObserver(const Observer& observer) override
     {
-        return observe(Op::RegisterObserver, observer, true);
+        return observe("RegisterObserver", observer, true);
     }
     OrvErrorType UnregisterObserver(const Observer& observer) override
     {
-        return observe(Op::UnregisterObserver, observer, false);
+        return observe("UnregisterObserver", observer, false);
     }
 
 private:
     // Runs a query under the camera's lock; an injected fault, a feature of a
     // type not in `types` (when given) or a missing increment fails it.
-    template <class Body> OrvErrorType read(Op op, const QVector<OrvFeatureDataType>& types, Body body)
+    template <class Body> OrvErrorType read(const char* op, const QVector<OrvFeatureDataType>& types, Body body)
     {
         const std::shared_ptr<Core> core = m_core.lock();
         if (!core)
             return OrvErrorDeviceLost;
         std::lock_guard<std::mutex> lock(core->mutex);
         OrvErrorType code = core->fault(name, op);
-        const bool noIncrement = (op == Op::GetIncrementDouble || op == Op::GetIncrementInt) && increment <= 0;
+        const bool noIncrement = QByteArray(op).startsWith("GetIncrement") && increment <= 0;
         if (code == OrvErrorSuccess && ((!types.isEmpty() && !types.contains(type)) || noIncrement))
             code = OrvErrorWrongType;
         else if (code == OrvErrorSuccess)
@@ -205,7 +205,7 @@ private:
         return code;
     }
 
-    OrvErrorType observe(Op op, const Observer& observer, bool add)
+    OrvErrorType observe(const char* op, const Observer& observer, bool add)
     {
         OrvErrorType code = observer ? OrvErrorSuccess : OrvErrorBadParameter;
         const OrvErrorType fault = read(op, {},
@@ -225,7 +225,7 @@ private:
     // Checks a write as a camera would (injected fault, type, access, range and
     // grid, entry), journals it, stores it and queues the change notifications,
     // also of the features whose value changes with this selector.
-    OrvErrorType write(Op op, OrvFeatureDataType given, const QVariant& value)
+    OrvErrorType write(const char* op, OrvFeatureDataType given, const QVariant& value)
     {
         const std::shared_ptr<Core> core = m_core.lock();
         if (!core)
@@ -383,8 +383,15 @@ QStringList TestCamera::takeJournal()
     return std::exchange(m_core->journal, {});
 }
 
-void TestCamera::fail(const QString& name, Op op, OrvErrorType code, int times)
+void TestCamera::fail(const QString& name, const QString& op, OrvErrorType code, int times)
 {
+    static const QStringList ops =
+        QString("GetName GetDisplayName GetCategory GetDataType IsWritable IsValueAvailable GetValues GetString "
+                "GetDouble GetInt GetBool GetRangeDouble GetRangeInt GetIncrementDouble GetIncrementInt SetDouble "
+                "SetInt SetBool SetString RunCommand RegisterObserver UnregisterObserver")
+            .split(' ');
+    if (!ops.contains(op))
+        qFatal("TestCamera: no operation %s", qPrintable(op));
     std::lock_guard<std::mutex> lock(m_core->mutex);
     m_core->faults.insert(qMakePair(name, op), qMakePair(code, times));
 }

@@ -20,33 +20,6 @@
 namespace TestCam
 {
 
-// Operations of a feature, for fault injection.
-enum class Op
-{
-    GetName,
-    GetDisplayName,
-    GetCategory,
-    GetDataType,
-    IsWritable,
-    IsValueAvailable,
-    GetValues,
-    GetString,
-    GetDouble,
-    GetInt,
-    GetBool,
-    GetRangeDouble,
-    GetRangeInt,
-    GetIncrementDouble,
-    GetIncrementInt,
-    SetDouble,
-    SetInt,
-    SetBool,
-    SetString,
-    RunCommand,
-    RegisterObserver,
-    UnregisterObserver
-};
-
 struct Core;
 struct FeatureData;
 
@@ -90,8 +63,11 @@ public:
     // and its code appended.
     QStringList takeJournal();
 
-    // Make an operation of a feature return the code: `times` calls, or always (-1).
-    void fail(const QString& name, Op op, OrvErrorType code, int times = -1);
+    // Make an operation of a feature return the code: `times` calls, or always
+    // (-1). The operation is the camera API call, with the type for the
+    // overloaded ones: "GetName", "GetString", "GetRangeInt", "SetBool" and so on
+    // (all are listed in TestCamera.cpp).
+    void fail(const QString& name, const QString& op, OrvErrorType code, int times = -1);
     void clearFaults();
 
     // Report a change of the feature to its observers, on the notification thread.

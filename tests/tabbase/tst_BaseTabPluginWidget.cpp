@@ -5,7 +5,6 @@
 #include <QMutexLocker>
 #include <QtTest>
 
-using TestCam::Op;
 using TestCam::TestCamera;
 
 namespace

@@ -12,7 +12,6 @@
 
 #include <functional>
 
-using TestCam::Op;
 using TestCam::TestCamera;
 
 // Every scenario on every camera family: the writes the camera receives, in
@@ -134,8 +133,8 @@ const QList<QPair<QString, Action>>& scenarios()
          [](TabAccess& t, TestCamera& cam)
          {
              for (const char* selector : {"LineSelector", "SyncOutSelector", "LineOutSelector"})
-                 cam.fail(selector, Op::SetString, OrvErrorInvalidAccess, 3);
-             cam.fail("TriggerSource", Op::SetString, OrvErrorInvalidValue);
+                 cam.fail(selector, "SetString", OrvErrorInvalidAccess, 3);
+             cam.fail("TriggerSource", "SetString", OrvErrorInvalidValue);
              pickLast(t.m_pComboTriggerSource);
              toggle(t.m_OutputRows.isEmpty() ? nullptr : t.m_OutputRows.first()->m_pCBInvert.data());
              t.refresh(t.m_ObservedFeatures);
