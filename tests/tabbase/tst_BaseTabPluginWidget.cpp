@@ -28,10 +28,7 @@ public:
         QMutexLocker lock(m_pMutex);
         return *m_pChangedFeatures;
     }
-    bool ticking() const
-    {
-        return m_pUpdateTimer->isActive();
-    }
+    using BaseTabPluginWidget::m_pUpdateTimer;
     QList<QStringList> passes;
 };
 
@@ -62,7 +59,7 @@ void tst_BaseTabPluginWidget::changesReachTheTick()
         QCOMPARE(tab.RegisterFeatureObserver(false), -5);
         tab.show();
         QCOMPARE(tab.passes, (QList<QStringList>{{"TriggerMode", "TriggerSource"}}));
-        QVERIFY(tab.ticking());
+        QVERIFY(tab.m_pUpdateTimer->isActive());
         QTRY_COMPARE_WITH_TIMEOUT(tab.passes.size(), 2, 3000); // the first tick empties the list
         QVERIFY(tab.changed().isEmpty());
 
@@ -79,7 +76,7 @@ void tst_BaseTabPluginWidget::changesReachTheTick()
         cam.waitForNotifications();
         QTRY_COMPARE(tab.changed(), QStringList{"TriggerMode"});
         tab.hide();
-        QVERIFY(!tab.ticking());
+        QVERIFY(!tab.m_pUpdateTimer->isActive());
         QVERIFY(tab.changed().isEmpty());
         cam.notify("TriggerSource");
         cam.waitForNotifications();
