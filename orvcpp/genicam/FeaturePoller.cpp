@@ -31,8 +31,13 @@ struct FeaturePoller::State
         bool known = false;    // read at least once
         bool dirty = false;    // something was written since the last reading
         bool ownWrite = false; // ... among them one through its own handle
-        bool baseline = false; // to be read without reporting (registered afresh)
-        bool volatile_ = true; // may change by itself (until known otherwise)
+        // A change that found no observer to tell (all were unregistered for a
+        // moment, as the tab does on every tick): told at the next look after
+        // one registers again.
+        bool untold = false;
+        bool observedWrite = false; // dirty by a write made while it was observed
+        bool baseline = false;      // to be read without reporting (registered afresh)
+        bool volatile_ = true;      // may change by itself (until known otherwise)
         std::string last;
         std::map<std::string, std::string> bySetting; // selector setting -> state
         std::vector<const void*> registers;           // what it depends on, sorted
@@ -119,6 +124,7 @@ void FeaturePoller::State::look(bool baselinesOnly)
         const GenICamFeature* key;
         std::shared_ptr<GenICamFeature> feature;
         bool ownWrite; // written through its own handle since the last look
+        bool untold;   // a change found earlier that nobody was there to hear
     };
     std::vector<Reading> toRead;
     {
@@ -136,10 +142,12 @@ void FeaturePoller::State::look(bool baselinesOnly)
                                 (baselinesOnly ? entry.baseline : entry.baseline || entry.dirty || entry.volatile_);
             if (wanted)
             {
-                toRead.push_back({it->first, std::move(feature), entry.ownWrite});
+                toRead.push_back({it->first, std::move(feature), entry.ownWrite, entry.untold});
+                entry.untold = false;
                 // A write from now on marks it again for the next look.
                 entry.dirty = false;
                 entry.ownWrite = false;
+                entry.observedWrite = false;
             }
             ++it;
         }
@@ -177,9 +185,8 @@ void FeaturePoller::State::look(bool baselinesOnly)
         // and the tab relies on hearing of it (it rebuilds its output rows
         // when "LineMode" changes). Everything else is reported when its state
         // differs from the one last seen under the same setting.
-        const bool changed =
-            !entry.baseline && ((item.ownWrite && !setting.empty()) ||
-                                 (seen != entry.bySetting.end() ? seen->second : entry.last) != now);
+        const bool changed = !entry.baseline && (item.untold || (item.ownWrite && !setting.empty()) ||
+                                                 (seen != entry.bySetting.end() ? seen->second : entry.last) != now);
         entry.known = true;
         entry.baseline = false;
         entry.last = now;
@@ -204,6 +211,8 @@ void FeaturePoller::State::look(bool baselinesOnly)
                 if (stop)
                     return;
                 auto it = entries.find(change.key);
+                if (it != entries.end() && it->second.observers.empty())
+                    it->second.untold = true; // all unregistered in the meantime: tell the next ones
                 if (it == entries.end() || std::find(it->second.observers.begin(), it->second.observers.end(),
                                                      observer) == it->second.observers.end())
                     continue; // unregistered in the meantime
@@ -288,10 +297,18 @@ OrvErrorType FeaturePoller::registerObserver(const std::shared_ptr<GenICamFeatur
     auto& observers = entry.observers;
     if (std::find(observers.begin(), observers.end(), observer) != observers.end())
         return OrvErrorInvalidCall;
-    // Changes from now on are reported: a feature never read, or written while
-    // nobody observed it, is read soon on the poller's thread and compared
-    // from then on. Otherwise what was last seen still holds.
-    if (observers.empty() && (!entry.known || entry.dirty))
+    // Changes from now on are reported: a feature never read, or written only
+    // while nobody observed it, is read soon on the poller's thread and
+    // compared from then on. A change found, or a write made, while it was
+    // observed is still reported to the observers registered now (the tab
+    // unregisters for a moment on every tick). Otherwise what was last seen
+    // still holds.
+    if (observers.empty() && entry.untold)
+    {
+        entry.dirty = true; // read at the next look and reported
+        m_state->wake.notify_all();
+    }
+    else if (observers.empty() && (!entry.known || (entry.dirty && !entry.observedWrite)))
     {
         entry.baseline = true;
         m_state->wake.notify_all();
@@ -368,6 +385,8 @@ void FeaturePoller::afterWrite(const std::vector<const void*>* registers, const 
             {
                 if (item.first == writer)
                     item.second.ownWrite = true;
+                if (!item.second.observers.empty())
+                    item.second.observedWrite = true;
                 item.second.dirty = true;
             }
         }
