@@ -33,7 +33,12 @@ struct QuickSetting;
 
 // The "Trigger IO" tab: trigger input, acquisition, exposure and input line
 // controls, quick trigger presets, output lines and selectable outputs of one
-// camera. Refreshes never write to the camera; only the On... slots do.
+// camera. Edits reach the camera through the On... slots. Refreshes write too,
+// though never a value the user did not see: they point the selectors at each
+// line and put them back, and controls that a refresh fills while their
+// signals are live write what they show back through their slots (the
+// selectable-output mode combos write "LineMode", the status boxes of rebuilt
+// output rows write "LineStatus").
 //
 // The class is split by section over several source files:
 //   IOTriggerWidget.cpp                   construction, destruction, refresh dispatch, selector walks

@@ -44,9 +44,7 @@ struct FeaturePoller::State
     };
 
     std::mutex mutex;
-    std::condition_variable wake;      // period over, first readings wanted, or stop
-    std::condition_variable delivered; // a FeatureChanged call has returned
-    std::condition_variable baselines; // no feature waits for its first reading
+    std::condition_variable wake; // period over, first readings wanted, or stop
     std::map<const GenICamFeature*, Entry> entries;
     int periodMs = FeaturePoller::DefaultPeriodMs;
     Clock::time_point lastLook = Clock::now();
@@ -56,9 +54,6 @@ struct FeaturePoller::State
     std::atomic<bool> stop{false};
     std::thread thread;
     std::thread::id threadId;
-    // The call in progress on the poller thread, if any.
-    const GenICamFeature* deliveringFeature = nullptr;
-    const OrvCPP::IFeatureObserver* deliveringObserver = nullptr;
 
     static void run(std::shared_ptr<State> self);
     // Reads the observed features that need it; baselinesOnly: only those
@@ -113,8 +108,6 @@ void FeaturePoller::State::countBaselines()
     pendingBaselines =
         int(std::count_if(entries.begin(), entries.end(),
                           [](const auto& item) { return item.second.baseline && !item.second.observers.empty(); }));
-    if (pendingBaselines == 0)
-        baselines.notify_all();
 }
 
 void FeaturePoller::State::look(bool baselinesOnly)
@@ -216,16 +209,8 @@ void FeaturePoller::State::look(bool baselinesOnly)
                 if (it == entries.end() || std::find(it->second.observers.begin(), it->second.observers.end(),
                                                      observer) == it->second.observers.end())
                     continue; // unregistered in the meantime
-                deliveringFeature = change.key;
-                deliveringObserver = observer.get();
             }
             observer->FeatureChanged(feature);
-            {
-                std::lock_guard<std::mutex> lock(mutex);
-                deliveringFeature = nullptr;
-                deliveringObserver = nullptr;
-            }
-            delivered.notify_all();
         }
     }
 }
@@ -246,8 +231,6 @@ FeaturePoller::~FeaturePoller()
         thread = std::move(m_state->thread);
     }
     m_state->wake.notify_all();
-    m_state->delivered.notify_all();
-    m_state->baselines.notify_all();
     if (thread.joinable())
     {
         if (thread.get_id() == std::this_thread::get_id())
@@ -327,7 +310,7 @@ OrvErrorType FeaturePoller::unregisterObserver(const GenICamFeature* feature, co
 {
     if (!feature || !observer)
         return OrvErrorBadParameter;
-    std::unique_lock<std::mutex> lock(m_state->mutex);
+    std::lock_guard<std::mutex> lock(m_state->mutex);
     auto it = m_state->entries.find(feature);
     if (it == m_state->entries.end())
         return OrvErrorInvalidCall;
@@ -335,36 +318,25 @@ OrvErrorType FeaturePoller::unregisterObserver(const GenICamFeature* feature, co
     auto found = std::find(observers.begin(), observers.end(), observer);
     if (found == observers.end())
         return OrvErrorInvalidCall;
-    // The entry stays, with what the feature last looked like, for the next registration.
+    // The entry stays, with what the feature last looked like, for the next
+    // registration. A call to this observer in progress on the poller's thread
+    // is not waited for: it holds the observer until it returns.
     observers.erase(found);
     m_state->countBaselines();
-
-    if (std::this_thread::get_id() != m_state->threadId)
-    {
-        State* state = m_state.get();
-        state->delivered.wait(lock,
-                              [&] {
-                                  return state->stop || state->deliveringFeature != feature ||
-                                         state->deliveringObserver != observer.get();
-                              });
-    }
     return OrvErrorSuccess;
 }
 
 void FeaturePoller::beforeWrite()
 {
-    std::unique_lock<std::mutex> lock(m_state->mutex);
-    if (m_state->pendingBaselines == 0)
-        return;
-    if (std::this_thread::get_id() == m_state->threadId)
     {
-        // An observer writing from FeatureChanged: read them here.
-        lock.unlock();
-        m_state->look(true);
-        return;
+        std::lock_guard<std::mutex> lock(m_state->mutex);
+        if (m_state->pendingBaselines == 0)
+            return;
     }
-    State* state = m_state.get();
-    state->baselines.wait(lock, [&] { return state->stop || state->pendingBaselines == 0; });
+    // Features registered for the first time and not read yet are read here,
+    // by the writer, rather than waited for: the writer then waits for nothing
+    // but the device and its link.
+    m_state->look(true);
 }
 
 void FeaturePoller::afterWrite(const std::vector<const void*>* registers, const GenICamFeature* writer)

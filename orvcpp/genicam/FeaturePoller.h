@@ -15,8 +15,8 @@ class GenICamFeature;
 // from what it last saw. It spends the camera's link sparingly:
 // - registering and unregistering reach no register: what a feature looked
 //   like is kept for as long as the feature lives, observed or not, and a
-//   feature observed for the first time is read once by this thread (a write
-//   made meanwhile waits for that reading, see beforeWrite);
+//   feature observed for the first time is read once by this thread (or by
+//   a writer that comes first, see beforeWrite);
 // - once a period it reads only what can have changed since its last look:
 //   the observed features that are volatile (GenICam IsVolatile or Cachable
 //   NoCache anywhere below them) and, after writes, the observed ones that
@@ -53,15 +53,16 @@ public:
     OrvErrorType registerObserver(const std::shared_ptr<GenICamFeature>& feature,
                                   const std::shared_ptr<OrvCPP::IFeatureObserver>& observer);
     // OrvErrorInvalidCall when the observer is not registered on the feature.
-    // Once it returns, the observer is not called again for this feature (when
-    // called from another thread than the poller's, it waits for a call in
-    // progress to end).
+    // Once it returns, no new call to the observer starts for this feature; a
+    // call already running on the poller's thread is not waited for (it holds
+    // its own reference to the observer until it returns).
     OrvErrorType unregisterObserver(const GenICamFeature* feature,
                                     const std::shared_ptr<OrvCPP::IFeatureObserver>& observer);
 
     // Called before anything may change the device (without the device lock):
-    // waits until features registered for the first time have been read, so
-    // that the change is compared with the state before it.
+    // features registered for the first time and not read yet are read now, on
+    // the caller's thread, so that the change is compared with the state before
+    // it. Waits for nothing but the device.
     void beforeWrite();
     // Called after something may have changed the device: the features that
     // depend on one of the registers (sorted; all features when null) are

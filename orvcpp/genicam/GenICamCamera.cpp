@@ -26,6 +26,27 @@ std::mutex& aravisGlobalLock()
     return lock;
 }
 
+// GigE Vision bootstrap register: the serial number, 16 characters.
+constexpr guint64 GvSerialNumberRegister = 0xd8;
+
+QString serialOf(ArvDevice* device)
+{
+    if (ARV_IS_GV_DEVICE(device))
+    {
+        char serial[17] = {};
+        if (!arv_device_read_memory(device, GvSerialNumberRegister, 16, serial, nullptr))
+            return QString();
+        return QString::fromLatin1(serial).trimmed();
+    }
+    if (ARV_IS_FAKE_DEVICE(device) || !arv_device_get_feature(device, "DeviceSerialNumber"))
+        return QString();
+    GError* error = nullptr;
+    const char* serial = arv_device_get_string_feature_value(device, "DeviceSerialNumber", &error);
+    const QString text = error || !serial ? QString() : QString::fromUtf8(serial).trimmed();
+    g_clear_error(&error);
+    return text;
+}
+
 QString messageOf(GError* error)
 {
     return error && error->message ? QString::fromUtf8(error->message) : QString();
@@ -221,6 +242,7 @@ OrvErrorType GenICamCamera::open(const QString& id)
     m_device = shared;
     m_features = features;
     m_id = id;
+    m_serial = serialOf(device);
     return OrvErrorSuccess;
 }
 
@@ -229,6 +251,25 @@ void GenICamCamera::close()
     m_features.reset();
     m_device.reset();
     m_id.clear();
+    m_serial.clear();
+}
+
+void GenICamCamera::adopt(GenICamCamera& other)
+{
+    if (&other == this)
+        return;
+    close();
+    m_device = std::move(other.m_device);
+    m_features = std::move(other.m_features);
+    m_id = other.m_id;
+    m_serial = other.m_serial;
+    m_error = other.m_error;
+    other.close();
+}
+
+QString GenICamCamera::serialNumber() const
+{
+    return m_serial;
 }
 
 bool GenICamCamera::isOpen() const
@@ -267,9 +308,14 @@ bool GenICamCamera::isDeviceLost() const
     return m_device && m_device->isLost();
 }
 
+QString GenICamCamera::lostReason() const
+{
+    return m_device ? QString::fromStdString(m_device->lostReason()) : QString();
+}
+
 bool GenICamCamera::withAravisDevice(const std::function<void(ArvDevice*)>& call) const
 {
-    if (!m_device || !call)
+    if (!m_device || !call || m_device->isLost())
         return false;
     // The call may change the device behind the features' back: the change
     // poller treats it as a write.

@@ -47,9 +47,18 @@ public:
     // Forgets the device; features already handed out keep working until dropped.
     void close();
 
+    // Takes over the device that other has open (closing this one first);
+    // other is closed afterwards. Lets a host open a camera on a worker
+    // thread and hand it to the object its window uses.
+    void adopt(GenICamCamera& other);
+
     bool isOpen() const;
     QString id() const;
     QString errorString() const;
+    // The serial number the device reports (GigE Vision: its bootstrap
+    // registers; otherwise its "DeviceSerialNumber"), read at opening; empty
+    // when it has none. Tells whether a camera found again is the same one.
+    QString serialNumber() const;
 
     // One feature per GenICam feature node reachable from the root category,
     // in category order (depth first, as the XML lists them). Empty when not open.
@@ -59,10 +68,16 @@ public:
     void setPollPeriod(int milliseconds);
     int pollPeriod() const;
 
+    // Whether the open device no longer answers (see GenICamDevice): its
+    // features then return OrvErrorDeviceLost at once. For good: open the
+    // camera anew once it answers again.
     bool isDeviceLost() const;
+    // Why it was found lost, in Aravis's words where it gave any.
+    QString lostReason() const;
 
     // Runs code on the Aravis device with the device lock held (for example
-    // to read a register back, or to stream). Returns false when not open.
+    // to read a register back, or to stream). Returns false, without running
+    // it, when not open or when the device is lost.
     bool withAravisDevice(const std::function<void(ArvDevice*)>& call) const;
 
 private:
@@ -73,6 +88,7 @@ private:
     std::shared_ptr<GenICamDevice> m_device;
     FeatureList m_features;
     QString m_id;
+    QString m_serial;
     QString m_error;
 };
 

@@ -6,15 +6,30 @@
 
 #include <QXmlStreamReader>
 
+#include <thread>
 #include <vector>
 
 namespace
 {
 
-// "control-lost" is emitted by Aravis's heartbeat thread of a GigE Vision device.
+// "control-lost" is emitted by Aravis's heartbeat thread of a GigE Vision
+// device: the camera no longer answers it, or has handed control to another.
 void onControlLost(ArvDevice*, gpointer userData)
 {
-    static_cast<GenICamDevice*>(userData)->markLost();
+    static_cast<GenICamDevice*>(userData)->markLost("the camera's heartbeat failed: control lost");
+}
+
+// GigE Vision bootstrap register: heartbeat timeout in milliseconds.
+constexpr guint64 HeartbeatTimeoutRegister = 0x0938;
+constexpr int DefaultPatienceMs = 3000;
+
+int heartbeatTimeoutMs(ArvDevice* device)
+{
+    guint32 value = 0;
+    if (ARV_IS_GV_DEVICE(device) && arv_device_read_register(device, HeartbeatTimeoutRegister, &value, nullptr) &&
+        value >= 500 && value <= 60000)
+        return int(value);
+    return DefaultPatienceMs;
 }
 
 } // namespace
@@ -23,6 +38,7 @@ GenICamDevice::GenICamDevice(ArvDevice* device, const std::string& id)
     : m_device(device)
     , m_genicam(arv_device_get_genicam(device))
     , m_id(id)
+    , m_patience(std::chrono::milliseconds(heartbeatTimeoutMs(device)))
     , m_poller(new FeaturePoller)
 {
     // Aravis refuses writes to read-only features and values outside the range
@@ -40,10 +56,27 @@ GenICamDevice::~GenICamDevice()
     m_poller.reset();
     if (m_controlLostHandler)
         g_signal_handler_disconnect(m_device, m_controlLostHandler);
-    g_object_unref(m_device);
+    if (isLost())
+        std::thread([device = m_device] { g_object_unref(device); }).detach();
+    else
+        g_object_unref(m_device);
 }
 
-OrvErrorType GenICamDevice::takeError(GError* error)
+std::string GenICamDevice::lostReason() const
+{
+    std::lock_guard<std::mutex> lock(m_reasonLock);
+    return m_lostReason;
+}
+
+void GenICamDevice::markLost(const std::string& reason)
+{
+    std::lock_guard<std::mutex> lock(m_reasonLock);
+    if (m_lost.exchange(true))
+        return; // the first reason stays
+    m_lostReason = reason;
+}
+
+OrvErrorType GenICamDevice::takeError(GError* error, Duration took)
 {
     if (!error)
         return OrvErrorSuccess;
@@ -54,11 +87,23 @@ OrvErrorType GenICamDevice::takeError(GError* error)
         switch (error->code)
         {
         case ARV_DEVICE_ERROR_NOT_CONNECTED:
+            markLost(error->message ? error->message : "not connected");
+            code = OrvErrorDeviceLost;
+            break;
         case ARV_DEVICE_ERROR_TRANSFER_ERROR:
         case ARV_DEVICE_ERROR_TIMEOUT:
-            // Aravis has already retried for its whole timeout: the device is gone.
-            markLost();
-            code = OrvErrorDeviceLost;
+            // Aravis has retried and given up on this one call. Only timeouts
+            // that go on for longer than the camera itself waits for us mean
+            // that it is gone.
+            m_timedOut += took;
+            code = OrvErrorTimeout;
+            if (m_timedOut > m_patience)
+            {
+                markLost(std::string(error->message ? error->message : "timeout") + ", no answer for " +
+                         std::to_string(std::chrono::duration_cast<std::chrono::milliseconds>(m_timedOut).count()) +
+                         " ms");
+                code = OrvErrorDeviceLost;
+            }
             break;
         case ARV_DEVICE_ERROR_WRONG_FEATURE:
             code = OrvErrorWrongType;

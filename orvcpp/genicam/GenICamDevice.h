@@ -4,6 +4,7 @@
 #include <OrvC/OrvCTypes.h>
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <mutex>
 #include <set>
@@ -18,14 +19,25 @@ class FeaturePoller;
 // One opened Aravis device, shared by the camera object and all its features.
 //
 // Every call into Aravis for this device is made with lock() held: the GenICam
-// node tree of a device is not thread-safe. Once the device is found gone
-// (a transport timeout, a lost control channel) it stays lost and every
-// feature call returns OrvErrorDeviceLost without touching Aravis again.
+// node tree of a device is not thread-safe.
+//
+// A call the device did not answer (Aravis has retried and given up) is a
+// timeout, not a lost device: a busy link misses an answer now and then. The
+// device counts as lost when Aravis reports that it lost control of it (its
+// GigE Vision heartbeat failed), or when timeouts follow each other, with no
+// answer in between, for longer than the camera's heartbeat timeout: by then
+// the camera has given up on us too. Once lost it stays lost, and every
+// feature call returns OrvErrorDeviceLost at once without touching the link.
 class GenICamDevice
 {
 public:
+    using Duration = std::chrono::steady_clock::duration;
+
     // Takes over the reference to device.
     GenICamDevice(ArvDevice* device, const std::string& id);
+    // A lost device is let go of on a thread of its own: Aravis says goodbye
+    // to the camera (a register write) and that write would wait for the
+    // whole timeout on a link that no longer answers.
     ~GenICamDevice();
 
     GenICamDevice(const GenICamDevice&) = delete;
@@ -56,9 +68,15 @@ public:
     {
         return m_lost.load();
     }
-    void markLost()
+    // Why the device was found lost, in Aravis's words where it gave any.
+    std::string lostReason() const;
+    void markLost(const std::string& reason);
+
+    // How long timeouts in a row may last before the device counts as lost:
+    // the camera's heartbeat timeout (GigE Vision), else three seconds.
+    Duration patience() const
     {
-        m_lost.store(true);
+        return m_patience;
     }
 
     // Names of the nodes whose value may change by itself (IsVolatile Yes,
@@ -66,10 +84,17 @@ public:
     // Read from the description at the first call; expects lock() held.
     const std::set<std::string>& volatileNodes();
 
-    // Maps an Aravis error to the camera API's code and frees it; marks the
-    // device lost when the error says the device no longer answers.
-    // A null error maps to OrvErrorSuccess.
-    OrvErrorType takeError(GError* error);
+    // Maps an Aravis error to the camera API's code and frees it. A transport
+    // failure is a timeout (OrvErrorTimeout) until the timeouts in a row,
+    // timed by took, outlast patience(); then the device is lost. A null error
+    // maps to OrvErrorSuccess. Expects lock() held.
+    OrvErrorType takeError(GError* error, Duration took = Duration::zero());
+    // The device answered a call that went over the link: timeouts start
+    // counting afresh. Expects lock() held.
+    void answered()
+    {
+        m_timedOut = Duration::zero();
+    }
 
 private:
     ArvDevice* m_device;
@@ -77,6 +102,10 @@ private:
     std::string m_id;
     std::mutex m_lock;
     std::atomic<bool> m_lost{false};
+    mutable std::mutex m_reasonLock; // the reason is set from Aravis's heartbeat thread too
+    std::string m_lostReason;
+    Duration m_patience;
+    Duration m_timedOut = Duration::zero(); // timeouts in a row, under m_lock
     unsigned long m_controlLostHandler = 0;
     std::unique_ptr<FeaturePoller> m_poller;
     std::unique_ptr<std::set<std::string>> m_volatileNodes;

@@ -6,6 +6,7 @@
 #include <arv.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cstring>
 #include <cstdio>
@@ -98,6 +99,28 @@ GenICamFeature::GenICamFeature(std::shared_ptr<GenICamDevice> device, ArvGcFeatu
 
 GenICamFeature::~GenICamFeature() = default;
 
+template <typename Result, typename Call>
+OrvErrorType GenICamFeature::aravis(Result& out, Call call, bool value)
+{
+    GError* error = nullptr;
+    const auto started = std::chrono::steady_clock::now();
+    Result result = call(&error);
+    if (error)
+        return m_device->takeError(error, std::chrono::steady_clock::now() - started);
+    // A value that lives in a register came over the link: the device answers.
+    if (value && touchesLink())
+        m_device->answered();
+    out = result;
+    return OrvErrorSuccess;
+}
+
+bool GenICamFeature::touchesLink()
+{
+    if (!m_dependenciesKnown)
+        findDependencies();
+    return !m_registers.empty();
+}
+
 template <typename Call> OrvErrorType GenICamFeature::withDevice(Call call)
 {
     if (m_device->isLost())
@@ -133,38 +156,36 @@ template <typename Call> OrvErrorType GenICamFeature::write(Call call)
     return code;
 }
 
+OrvErrorType GenICamFeature::accessOf(ArvGcFeatureNode* node, bool withLock, bool& usable)
+{
+    bool available = false, implemented = false, locked = false;
+    OrvErrorType code = aravis(available, [&](GError** e) { return arv_gc_feature_node_is_available(node, e); });
+    if (code == OrvErrorSuccess)
+        code = aravis(implemented, [&](GError** e) { return arv_gc_feature_node_is_implemented(node, e); });
+    // Aravis does not enforce pIsLocked: this check is the only guard.
+    if (code == OrvErrorSuccess && withLock)
+        code = aravis(locked, [&](GError** e) { return arv_gc_feature_node_is_locked(node, e); });
+    usable = available && implemented && !locked;
+    return code;
+}
+
 OrvErrorType GenICamFeature::checkReadable()
 {
-    GError* error = nullptr;
-    const ArvGcAccessMode mode = arv_gc_feature_node_get_actual_access_mode(m_node);
-    if (mode == ARV_GC_ACCESS_MODE_WO)
+    if (arv_gc_feature_node_get_actual_access_mode(m_node) == ARV_GC_ACCESS_MODE_WO)
         return OrvErrorInvalidAccess;
-    const bool available = arv_gc_feature_node_is_available(m_node, &error);
-    if (error)
-        return m_device->takeError(error);
-    const bool implemented = arv_gc_feature_node_is_implemented(m_node, &error);
-    if (error)
-        return m_device->takeError(error);
-    return available && implemented ? OrvErrorSuccess : OrvErrorInvalidAccess;
+    bool usable = false;
+    const OrvErrorType code = accessOf(m_node, false, usable);
+    return code != OrvErrorSuccess ? code : usable ? OrvErrorSuccess : OrvErrorInvalidAccess;
 }
 
 OrvErrorType GenICamFeature::checkWritable()
 {
-    GError* error = nullptr;
     const ArvGcAccessMode mode = arv_gc_feature_node_get_actual_access_mode(m_node);
     if (mode != ARV_GC_ACCESS_MODE_RW && mode != ARV_GC_ACCESS_MODE_WO)
         return OrvErrorInvalidAccess;
-    const bool available = arv_gc_feature_node_is_available(m_node, &error);
-    if (error)
-        return m_device->takeError(error);
-    const bool implemented = arv_gc_feature_node_is_implemented(m_node, &error);
-    if (error)
-        return m_device->takeError(error);
-    // Aravis does not enforce pIsLocked: this check is the only guard.
-    const bool locked = arv_gc_feature_node_is_locked(m_node, &error);
-    if (error)
-        return m_device->takeError(error);
-    return available && implemented && !locked ? OrvErrorSuccess : OrvErrorInvalidAccess;
+    bool usable = false;
+    const OrvErrorType code = accessOf(m_node, true, usable);
+    return code != OrvErrorSuccess ? code : usable ? OrvErrorSuccess : OrvErrorInvalidAccess;
 }
 
 bool GenICamFeature::writableNow()
@@ -235,17 +256,9 @@ OrvErrorType GenICamFeature::IsValueAvailable(const char* value, bool& available
         {
             ArvGcFeatureNode* entry = nullptr;
             OrvErrorType code = findEntry(value, entry);
-            if (code != OrvErrorSuccess)
-                return code;
-            GError* error = nullptr;
-            const bool isAvailable = arv_gc_feature_node_is_available(entry, &error);
-            if (error)
-                return m_device->takeError(error);
-            const bool implemented = arv_gc_feature_node_is_implemented(entry, &error);
-            if (error)
-                return m_device->takeError(error);
-            available = isAvailable && implemented;
-            return OrvErrorSuccess;
+            if (code == OrvErrorSuccess)
+                code = accessOf(entry, false, available);
+            return code;
         });
 }
 
@@ -274,55 +287,72 @@ OrvErrorType GenICamFeature::readText(std::string& value)
     OrvErrorType code = checkReadable();
     if (code != OrvErrorSuccess)
         return code;
-    GError* error = nullptr;
     std::string text;
     switch (m_type)
     {
     case OrvFeatureDataEnum:
-    {
-        const char* entry = arv_gc_enumeration_get_string_value(ARV_GC_ENUMERATION(m_node), &error);
-        if (!error)
-            text = entry ? entry : "";
-        break;
-    }
     case OrvFeatureDataString:
     {
-        const char* string = arv_gc_string_get_value(ARV_GC_STRING(m_node), &error);
-        if (!error)
-            text = string ? string : "";
+        const char* string = nullptr;
+        code = aravis(
+            string,
+            [&](GError** e)
+            {
+                return m_type == OrvFeatureDataEnum ? arv_gc_enumeration_get_string_value(ARV_GC_ENUMERATION(m_node), e)
+                                                    : arv_gc_string_get_value(ARV_GC_STRING(m_node), e);
+            },
+            true);
+        text = string ? string : "";
         break;
     }
     case OrvFeatureDataInt:
     {
-        const gint64 number = arv_gc_integer_get_value(ARV_GC_INTEGER(m_node), &error);
-        text = std::to_string(static_cast<long long>(number));
+        long long number = 0;
+        code = readInteger(number, false);
+        text = std::to_string(number);
         break;
     }
     case OrvFeatureDataFloat:
-        text = formatDouble(arv_gc_float_get_value(ARV_GC_FLOAT(m_node), &error));
+    {
+        double number = 0.0;
+        code = readNumber(number, false);
+        text = formatDouble(number);
         break;
+    }
     case OrvFeatureDataBool:
-        text = arv_gc_boolean_get_value(ARV_GC_BOOLEAN(m_node), &error) ? "true" : "false";
+    {
+        bool flag = false;
+        code = readFlag(flag, false);
+        text = flag ? "true" : "false";
         break;
+    }
     case OrvFeatureDataRaw:
     {
-        const guint64 length = arv_gc_register_get_length(ARV_GC_REGISTER(m_node), &error);
-        if (error)
+        guint64 length = 0;
+        code = aravis(length, [&](GError** e) { return arv_gc_register_get_length(ARV_GC_REGISTER(m_node), e); });
+        if (code != OrvErrorSuccess)
             break;
         if (length > 1024 * 1024)
             return OrvErrorNotImplemented;
         std::vector<unsigned char> bytes(static_cast<size_t>(length));
-        arv_gc_register_get(ARV_GC_REGISTER(m_node), bytes.data(), length, &error);
+        bool read = false;
+        code = aravis(
+            read,
+            [&](GError** e)
+            {
+                arv_gc_register_get(ARV_GC_REGISTER(m_node), bytes.data(), length, e);
+                return true;
+            },
+            true);
         text = toHex(bytes);
         break;
     }
     default:
         return OrvErrorWrongType;
     }
-    if (error)
-        return m_device->takeError(error);
-    value = text;
-    return OrvErrorSuccess;
+    if (code == OrvErrorSuccess)
+        value = text;
+    return code;
 }
 
 OrvErrorType GenICamFeature::GetValue(std::string& value)
@@ -332,71 +362,96 @@ OrvErrorType GenICamFeature::GetValue(std::string& value)
     return withDevice([&]() -> OrvErrorType { return readText(value); });
 }
 
-OrvErrorType GenICamFeature::readNumber(double& value)
+OrvErrorType GenICamFeature::readNumber(double& value, bool check)
 {
-    OrvErrorType code = checkReadable();
+    const OrvErrorType code = check ? checkReadable() : OrvErrorSuccess;
     if (code != OrvErrorSuccess)
         return code;
-    GError* error = nullptr;
-    double number = 0.0;
-    if (m_type == OrvFeatureDataInt)
-        number = static_cast<double>(arv_gc_integer_get_value(ARV_GC_INTEGER(m_node), &error));
-    else
-        number = arv_gc_float_get_value(ARV_GC_FLOAT(m_node), &error);
-    if (error)
-        return m_device->takeError(error);
-    value = number;
-    return OrvErrorSuccess;
+    return aravis(
+        value,
+        [&](GError** e)
+        {
+            return m_type == OrvFeatureDataInt ? double(arv_gc_integer_get_value(ARV_GC_INTEGER(m_node), e))
+                                               : arv_gc_float_get_value(ARV_GC_FLOAT(m_node), e);
+        },
+        true);
 }
 
-OrvErrorType GenICamFeature::readInteger(long long& value)
+OrvErrorType GenICamFeature::readInteger(long long& value, bool check)
 {
-    OrvErrorType code = checkReadable();
+    const OrvErrorType code = check ? checkReadable() : OrvErrorSuccess;
     if (code != OrvErrorSuccess)
         return code;
-    GError* error = nullptr;
-    long long number = 0;
-    if (m_type == OrvFeatureDataInt)
-        number = arv_gc_integer_get_value(ARV_GC_INTEGER(m_node), &error);
-    else
-        number = std::llround(arv_gc_float_get_value(ARV_GC_FLOAT(m_node), &error));
-    if (error)
-        return m_device->takeError(error);
-    value = number;
-    return OrvErrorSuccess;
+    return aravis(
+        value,
+        [&](GError** e)
+        {
+            return m_type == OrvFeatureDataInt ? (long long)arv_gc_integer_get_value(ARV_GC_INTEGER(m_node), e)
+                                               : std::llround(arv_gc_float_get_value(ARV_GC_FLOAT(m_node), e));
+        },
+        true);
+}
+
+OrvErrorType GenICamFeature::readFlag(bool& value, bool check)
+{
+    const OrvErrorType code = check ? checkReadable() : OrvErrorSuccess;
+    if (code != OrvErrorSuccess)
+        return code;
+    return aravis(
+        value, [&](GError** e) -> bool { return arv_gc_boolean_get_value(ARV_GC_BOOLEAN(m_node), e); }, true);
 }
 
 OrvErrorType GenICamFeature::GetValue(double& value)
 {
     if (m_type != OrvFeatureDataInt && m_type != OrvFeatureDataFloat)
         return OrvErrorWrongType;
-    return withDevice([&]() -> OrvErrorType { return readNumber(value); });
+    return withDevice([&]() -> OrvErrorType { return readNumber(value, true); });
 }
 
 OrvErrorType GenICamFeature::GetValue(long long& value)
 {
     if (m_type != OrvFeatureDataInt && m_type != OrvFeatureDataFloat)
         return OrvErrorWrongType;
-    return withDevice([&]() -> OrvErrorType { return readInteger(value); });
+    return withDevice([&]() -> OrvErrorType { return readInteger(value, true); });
 }
 
 OrvErrorType GenICamFeature::GetValue(bool& value)
 {
     if (m_type != OrvFeatureDataBool)
         return OrvErrorWrongType;
-    return withDevice(
-        [&]() -> OrvErrorType
-        {
-            OrvErrorType code = checkReadable();
-            if (code != OrvErrorSuccess)
-                return code;
-            GError* error = nullptr;
-            const bool flag = arv_gc_boolean_get_value(ARV_GC_BOOLEAN(m_node), &error);
-            if (error)
-                return m_device->takeError(error);
-            value = flag;
-            return OrvErrorSuccess;
-        });
+    return withDevice([&]() -> OrvErrorType { return readFlag(value, true); });
+}
+
+OrvErrorType GenICamFeature::integerLimits(long long& minimum, long long& maximum, long long* increment)
+{
+    auto* node = ARV_GC_INTEGER(m_node);
+    gint64 lo = 0, hi = 0, step = 1;
+    OrvErrorType code = aravis(lo, [&](GError** e) { return arv_gc_integer_get_min(node, e); });
+    if (code == OrvErrorSuccess)
+        code = aravis(hi, [&](GError** e) { return arv_gc_integer_get_max(node, e); });
+    if (code == OrvErrorSuccess && increment)
+        code = aravis(step, [&](GError** e) { return arv_gc_integer_get_inc(node, e); });
+    if (code != OrvErrorSuccess)
+        return code;
+    minimum = lo;
+    maximum = hi;
+    if (increment)
+        *increment = step;
+    return OrvErrorSuccess;
+}
+
+OrvErrorType GenICamFeature::floatLimits(double& minimum, double& maximum)
+{
+    auto* node = ARV_GC_FLOAT(m_node);
+    double lo = 0.0, hi = 0.0;
+    OrvErrorType code = aravis(lo, [&](GError** e) { return arv_gc_float_get_min(node, e); });
+    if (code == OrvErrorSuccess)
+        code = aravis(hi, [&](GError** e) { return arv_gc_float_get_max(node, e); });
+    if (code != OrvErrorSuccess)
+        return code;
+    minimum = lo;
+    maximum = hi;
+    return OrvErrorSuccess;
 }
 
 OrvErrorType GenICamFeature::GetRange(double& minimum, double& maximum)
@@ -414,40 +469,14 @@ OrvErrorType GenICamFeature::GetRange(double& minimum, double& maximum)
     }
     if (m_type != OrvFeatureDataFloat)
         return OrvErrorWrongType;
-    return withDevice(
-        [&]() -> OrvErrorType
-        {
-            GError* error = nullptr;
-            const double lo = arv_gc_float_get_min(ARV_GC_FLOAT(m_node), &error);
-            if (error)
-                return m_device->takeError(error);
-            const double hi = arv_gc_float_get_max(ARV_GC_FLOAT(m_node), &error);
-            if (error)
-                return m_device->takeError(error);
-            minimum = lo;
-            maximum = hi;
-            return OrvErrorSuccess;
-        });
+    return withDevice([&]() -> OrvErrorType { return floatLimits(minimum, maximum); });
 }
 
 OrvErrorType GenICamFeature::GetRange(long long& minimum, long long& maximum)
 {
     if (m_type != OrvFeatureDataInt)
         return OrvErrorWrongType;
-    return withDevice(
-        [&]() -> OrvErrorType
-        {
-            GError* error = nullptr;
-            const gint64 lo = arv_gc_integer_get_min(ARV_GC_INTEGER(m_node), &error);
-            if (error)
-                return m_device->takeError(error);
-            const gint64 hi = arv_gc_integer_get_max(ARV_GC_INTEGER(m_node), &error);
-            if (error)
-                return m_device->takeError(error);
-            minimum = lo;
-            maximum = hi;
-            return OrvErrorSuccess;
-        });
+    return withDevice([&]() -> OrvErrorType { return integerLimits(minimum, maximum, nullptr); });
 }
 
 OrvErrorType GenICamFeature::GetIncrement(double& increment)
@@ -465,10 +494,11 @@ OrvErrorType GenICamFeature::GetIncrement(double& increment)
     return withDevice(
         [&]() -> OrvErrorType
         {
-            GError* error = nullptr;
-            const double step = arv_gc_float_get_inc(ARV_GC_FLOAT(m_node), &error);
-            if (error)
-                return m_device->takeError(error);
+            double step = 0.0;
+            const OrvErrorType code =
+                aravis(step, [&](GError** e) { return arv_gc_float_get_inc(ARV_GC_FLOAT(m_node), e); });
+            if (code != OrvErrorSuccess)
+                return code;
             // A float without <Inc> has no increment (Aravis answers a tiny number).
             if (!(step > std::numeric_limits<float>::min()))
                 return OrvErrorWrongType;
@@ -484,50 +514,50 @@ OrvErrorType GenICamFeature::GetIncrement(long long& increment)
     return withDevice(
         [&]() -> OrvErrorType
         {
-            GError* error = nullptr;
-            const gint64 step = arv_gc_integer_get_inc(ARV_GC_INTEGER(m_node), &error);
-            if (error)
-                return m_device->takeError(error);
-            increment = step;
-            return OrvErrorSuccess;
+            gint64 step = 0;
+            const OrvErrorType code =
+                aravis(step, [&](GError** e) { return arv_gc_integer_get_inc(ARV_GC_INTEGER(m_node), e); });
+            if (code == OrvErrorSuccess)
+                increment = step;
+            return code;
         });
+}
+
+template <typename Call> OrvErrorType GenICamFeature::store(Call call)
+{
+    bool done = false;
+    return aravis(
+        done,
+        [&](GError** e)
+        {
+            call(e);
+            return true;
+        },
+        true);
 }
 
 OrvErrorType GenICamFeature::writeInteger(long long value)
 {
-    GError* error = nullptr;
-    auto* node = ARV_GC_INTEGER(m_node);
-    const gint64 lo = arv_gc_integer_get_min(node, &error);
-    if (error)
-        return m_device->takeError(error);
-    const gint64 hi = arv_gc_integer_get_max(node, &error);
-    if (error)
-        return m_device->takeError(error);
-    const gint64 step = arv_gc_integer_get_inc(node, &error);
-    if (error)
-        return m_device->takeError(error);
+    long long lo = 0, hi = 0, step = 1;
+    const OrvErrorType code = integerLimits(lo, hi, &step);
+    if (code != OrvErrorSuccess)
+        return code;
     if (value < lo || value > hi || (step > 1 && (value - lo) % step != 0))
         return OrvErrorInvalidValue;
-    arv_gc_integer_set_value(node, value, &error);
-    return m_device->takeError(error);
+    return store([&](GError** e) { arv_gc_integer_set_value(ARV_GC_INTEGER(m_node), value, e); });
 }
 
 OrvErrorType GenICamFeature::writeFloat(double value)
 {
     if (!std::isfinite(value))
         return OrvErrorInvalidValue;
-    GError* error = nullptr;
-    auto* node = ARV_GC_FLOAT(m_node);
-    const double lo = arv_gc_float_get_min(node, &error);
-    if (error)
-        return m_device->takeError(error);
-    const double hi = arv_gc_float_get_max(node, &error);
-    if (error)
-        return m_device->takeError(error);
+    double lo = 0.0, hi = 0.0;
+    const OrvErrorType code = floatLimits(lo, hi);
+    if (code != OrvErrorSuccess)
+        return code;
     if (value < lo || value > hi)
         return OrvErrorInvalidValue;
-    arv_gc_float_set_value(node, value, &error);
-    return m_device->takeError(error);
+    return store([&](GError** e) { arv_gc_float_set_value(ARV_GC_FLOAT(m_node), value, e); });
 }
 
 OrvErrorType GenICamFeature::SetValue(double value)
@@ -558,11 +588,7 @@ OrvErrorType GenICamFeature::SetValue(bool value)
         return OrvErrorWrongType;
     return write(
         [&]() -> OrvErrorType
-        {
-            GError* error = nullptr;
-            arv_gc_boolean_set_value(ARV_GC_BOOLEAN(m_node), value, &error);
-            return m_device->takeError(error);
-        });
+        { return store([&](GError** e) { arv_gc_boolean_set_value(ARV_GC_BOOLEAN(m_node), value, e); }); });
 }
 
 OrvErrorType GenICamFeature::SetValue(const char* value)
@@ -577,33 +603,29 @@ OrvErrorType GenICamFeature::SetValue(const char* value)
             {
                 // An entry that is not available now is refused like an unknown one.
                 ArvGcFeatureNode* entry = nullptr;
+                bool usable = false;
                 OrvErrorType code = findEntry(value, entry);
+                if (code == OrvErrorSuccess)
+                    code = accessOf(entry, false, usable);
                 if (code != OrvErrorSuccess)
                     return code;
-                GError* error = nullptr;
-                const bool available = arv_gc_feature_node_is_available(entry, &error);
-                if (error)
-                    return m_device->takeError(error);
-                const bool implemented = arv_gc_feature_node_is_implemented(entry, &error);
-                if (error)
-                    return m_device->takeError(error);
-                if (!available || !implemented)
+                if (!usable)
                     return OrvErrorInvalidValue;
-                arv_gc_enumeration_set_string_value(ARV_GC_ENUMERATION(m_node), value, &error);
-                return m_device->takeError(error);
+                return store([&](GError** e)
+                             { arv_gc_enumeration_set_string_value(ARV_GC_ENUMERATION(m_node), value, e); });
             });
     case OrvFeatureDataString:
         return write(
             [&]() -> OrvErrorType
             {
-                GError* error = nullptr;
-                const gint64 maxLength = arv_gc_string_get_max_length(ARV_GC_STRING(m_node), &error);
-                if (error)
-                    return m_device->takeError(error);
+                gint64 maxLength = 0;
+                const OrvErrorType code =
+                    aravis(maxLength, [&](GError** e) { return arv_gc_string_get_max_length(ARV_GC_STRING(m_node), e); });
+                if (code != OrvErrorSuccess)
+                    return code;
                 if (maxLength > 0 && static_cast<gint64>(std::strlen(value)) > maxLength)
                     return OrvErrorInvalidValue;
-                arv_gc_string_set_value(ARV_GC_STRING(m_node), value, &error);
-                return m_device->takeError(error);
+                return store([&](GError** e) { arv_gc_string_set_value(ARV_GC_STRING(m_node), value, e); });
             });
     case OrvFeatureDataRaw:
         return write(
@@ -612,14 +634,15 @@ OrvErrorType GenICamFeature::SetValue(const char* value)
                 std::vector<unsigned char> bytes;
                 if (!fromHex(value, bytes))
                     return OrvErrorInvalidValue;
-                GError* error = nullptr;
-                const guint64 length = arv_gc_register_get_length(ARV_GC_REGISTER(m_node), &error);
-                if (error)
-                    return m_device->takeError(error);
+                guint64 length = 0;
+                const OrvErrorType code =
+                    aravis(length, [&](GError** e) { return arv_gc_register_get_length(ARV_GC_REGISTER(m_node), e); });
+                if (code != OrvErrorSuccess)
+                    return code;
                 if (bytes.size() != length)
                     return OrvErrorInvalidValue;
-                arv_gc_register_set(ARV_GC_REGISTER(m_node), bytes.data(), length, &error);
-                return m_device->takeError(error);
+                return store([&](GError** e)
+                             { arv_gc_register_set(ARV_GC_REGISTER(m_node), bytes.data(), length, e); });
             });
     default:
         return OrvErrorWrongType;
@@ -630,13 +653,8 @@ OrvErrorType GenICamFeature::RunCommand()
 {
     if (m_type != OrvFeatureDataCommand)
         return OrvErrorWrongType;
-    return write(
-        [&]() -> OrvErrorType
-        {
-            GError* error = nullptr;
-            arv_gc_command_execute(ARV_GC_COMMAND(m_node), &error);
-            return m_device->takeError(error);
-        });
+    return write([&]() -> OrvErrorType
+                 { return store([&](GError** e) { arv_gc_command_execute(ARV_GC_COMMAND(m_node), e); }); });
 }
 
 OrvErrorType GenICamFeature::RegisterObserver(const OrvCPP::shared_ptr<OrvCPP::IFeatureObserver>& observer)
@@ -701,46 +719,42 @@ void GenICamFeature::findDependencies()
 void GenICamFeature::observe(std::string& setting, std::string& state, bool& isVolatile,
                              std::vector<const void*>& registers)
 {
+    // The selectors' setting and the value under it in one take of the lock:
+    // a write from another thread in between would file the value under the
+    // wrong setting.
     setting.clear();
+    std::lock_guard<std::mutex> lock(m_device->lock());
+    if (!m_dependenciesKnown)
+        findDependencies();
+    isVolatile = m_volatile;
+    registers = m_registers;
+    for (ArvGcNode* selector : m_selectorNodes)
     {
-        std::lock_guard<std::mutex> lock(m_device->lock());
-        if (!m_dependenciesKnown)
-            findDependencies();
-        isVolatile = m_volatile;
-        registers = m_registers;
-        if (!m_device->isLost())
-        {
-            for (ArvGcNode* selector : m_selectorNodes)
-            {
-                GError* error = nullptr;
-                const gint64 value = arv_gc_integer_get_value(ARV_GC_INTEGER(selector), &error);
-                setting += error ? std::string("?") : std::to_string(static_cast<long long>(value));
-                setting += ',';
-                if (error)
-                    m_device->takeError(error);
-            }
-        }
+        if (m_device->isLost())
+            break;
+        gint64 value = 0;
+        const OrvErrorType code =
+            aravis(value, [&](GError** e) { return arv_gc_integer_get_value(ARV_GC_INTEGER(selector), e); });
+        setting += (code == OrvErrorSuccess ? std::to_string(static_cast<long long>(value)) : std::string("?")) + ',';
     }
-    state = stateSnapshot();
+    state = snapshot();
 }
 
 std::string GenICamFeature::stateSnapshot()
 {
-    std::string snapshot;
-    const OrvErrorType code = withDevice(
-        [&]() -> OrvErrorType
-        {
-            std::string value;
-            OrvErrorType read = OrvErrorSuccess;
-            if (m_type != OrvFeatureDataCommand)
-                read = readText(value);
-            if (m_device->isLost())
-                return OrvErrorDeviceLost;
-            snapshot =
-                (read == OrvErrorSuccess ? "=" + value : "!" + std::to_string(read)) + (writableNow() ? "|w" : "|r");
-            return OrvErrorSuccess;
-        });
-    if (code != OrvErrorSuccess)
-        snapshot = "!" + std::to_string(code);
-    return snapshot;
+    std::lock_guard<std::mutex> lock(m_device->lock());
+    return snapshot();
+}
+
+std::string GenICamFeature::snapshot()
+{
+    if (m_device->isLost())
+        return "!" + std::to_string(OrvErrorDeviceLost);
+    std::string value;
+    OrvErrorType read = OrvErrorSuccess;
+    if (m_type != OrvFeatureDataCommand)
+        read = readText(value);
+    if (m_device->isLost())
+        return "!" + std::to_string(OrvErrorDeviceLost);
+    return (read == OrvErrorSuccess ? "=" + value : "!" + std::to_string(read)) + (writableNow() ? "|w" : "|r");
 }

@@ -25,7 +25,8 @@ typedef struct _ArvGcNode ArvGcNode;
 // a feature that is not writable return OrvErrorInvalidAccess and reach no
 // register. Name, display name, category and type are kept from the opening
 // and stay readable after the device is lost; every other call then returns
-// OrvErrorDeviceLost.
+// OrvErrorDeviceLost at once. A call the device did not answer returns
+// OrvErrorTimeout (see GenICamDevice for when timeouts make a device lost).
 class GenICamFeature : public OrvCPP::Feature, public std::enable_shared_from_this<GenICamFeature>
 {
 public:
@@ -74,15 +75,33 @@ private:
     template <typename Call> OrvErrorType write(Call call);
 
     // The helpers below expect the device lock to be held.
+
+    // Runs one Aravis call that reports failure through a GError (call gets
+    // the GError** and returns the result) and keeps the result in out on
+    // success. Failures are timed, so that the device can tell a missed answer
+    // from a camera that is gone; value: the call reads or writes the
+    // feature's value, so its success shows that the device answers.
+    template <typename Result, typename Call> OrvErrorType aravis(Result& out, Call call, bool value = false);
+    // A write or command through aravis() (call returns nothing).
+    template <typename Call> OrvErrorType store(Call call);
+    // Whether the value lives in a register of the device (not a constant).
+    bool touchesLink();
+    // Available and implemented (and not locked, with withLock).
+    OrvErrorType accessOf(ArvGcFeatureNode* node, bool withLock, bool& usable);
     OrvErrorType checkReadable();
     OrvErrorType checkWritable();
     bool writableNow();
     OrvErrorType readText(std::string& value);
-    OrvErrorType readNumber(double& value);
-    OrvErrorType readInteger(long long& value);
+    // check: whether the feature is readable now is checked first.
+    OrvErrorType readNumber(double& value, bool check);
+    OrvErrorType readInteger(long long& value, bool check);
+    OrvErrorType readFlag(bool& value, bool check);
+    OrvErrorType integerLimits(long long& minimum, long long& maximum, long long* increment);
+    OrvErrorType floatLimits(double& minimum, double& maximum);
     OrvErrorType findEntry(const char* value, ArvGcFeatureNode*& entry);
     OrvErrorType writeInteger(long long value);
     OrvErrorType writeFloat(double value);
+    std::string snapshot();
     void findDependencies();
 
     std::shared_ptr<GenICamDevice> m_device;
