@@ -5,6 +5,8 @@
 
 #include "GenICamCamera.h"
 
+#include <thread>
+
 namespace
 {
 
@@ -84,14 +86,18 @@ void CameraStream::stop()
     m_timer.stop();
     if (!m_stream)
         return;
-    m_camera->withAravisDevice(
+    const bool sent = m_camera->withAravisDevice(
         [](ArvDevice* device)
         {
             GError* error = nullptr;
             arv_device_execute_command(device, "AcquisitionStop", &error);
             g_clear_error(&error);
         });
-    g_clear_object(&m_stream);
+    if (sent)
+        g_clear_object(&m_stream);
+    else
+        std::thread([stream = m_stream] { g_object_unref(stream); }).detach();
+    m_stream = nullptr;
 }
 
 bool CameraStream::isRunning() const

@@ -1,5 +1,6 @@
 #include "ViewerWindow.h"
 
+#include "CameraFinder.h"
 #include "CameraStream.h"
 #include "GenICamCamera.h"
 #include "PluginHost.h"
@@ -13,8 +14,21 @@
 #include <QPushButton>
 #include <QStatusBar>
 #include <QTabWidget>
+#include <QTimer>
 #include <QTranslator>
 #include <QVBoxLayout>
+
+#include <cstdio>
+
+namespace
+{
+
+// How often the window asks whether the camera still answers (a flag, no
+// traffic), and how long it waits between two attempts to find it again.
+const int WatchPeriodMs = 200;
+const int SearchPauseMs = 2000;
+
+} // namespace
 
 ViewerWindow::ViewerWindow(GenICamCamera* camera, QWidget* parent)
     : QMainWindow(parent)
@@ -22,6 +36,8 @@ ViewerWindow::ViewerWindow(GenICamCamera* camera, QWidget* parent)
     , m_features(camera->features())
     , m_host(new PluginHost(this))
     , m_stream(new CameraStream(camera, this))
+    , m_finder(new CameraFinder(this))
+    , m_watch(new QTimer(this))
     , m_tabs(new QTabWidget)
     , m_image(new QLabel)
     , m_counter(new QLabel)
@@ -53,7 +69,12 @@ ViewerWindow::ViewerWindow(GenICamCamera* camera, QWidget* parent)
 
     connect(m_acquire, &QPushButton::toggled, this, &ViewerWindow::onAcquireToggled);
     connect(m_stream, &CameraStream::frameReceived, this, &ViewerWindow::onFrame);
-    statusBar()->showMessage(tr("Camera %1 open").arg(camera->id()));
+    m_finder->setInterval(SearchPauseMs);
+    connect(m_finder, &CameraFinder::found, this, &ViewerWindow::onCameraFound);
+    m_watch->setInterval(WatchPeriodMs);
+    connect(m_watch, &QTimer::timeout, this, &ViewerWindow::checkCamera);
+    m_watch->start();
+    setCameraStatus(tr("Camera %1 open").arg(camera->id()));
 }
 
 ViewerWindow::~ViewerWindow()
@@ -74,19 +95,31 @@ bool ViewerWindow::installTranslation(const QLocale& locale)
 
 int ViewerWindow::addTabs(const QString& pluginFolder)
 {
-    int added = 0;
     const QList<TabExtensionInterface*> plugins = m_host->load(pluginFolder);
     m_problems << m_host->problems();
     for (TabExtensionInterface* plugin : plugins)
-    {
         plugin->connectFromAcquire(this, SIGNAL(acquisitionChanged(bool)));
+    m_plugins << plugins;
+    const int added = buildPages();
+    if (!m_problems.isEmpty())
+        report(m_problems.join("; "));
+    return added;
+}
+
+int ViewerWindow::buildPages()
+{
+    int added = 0;
+    for (TabExtensionInterface* plugin : qAsConst(m_plugins))
+    {
         QWidget* page = new QWidget;
         const TabExtensionResult result = plugin->get(m_features, *page, nullptr);
         if (result != 0)
         {
-            m_problems << tr("%1 offers no tab for this camera (result %2)")
-                              .arg(plugin->metaObject()->className())
-                              .arg(result);
+            const QString problem = tr("%1 offers no tab for this camera (result %2)")
+                                        .arg(plugin->metaObject()->className())
+                                        .arg(result);
+            if (!m_problems.contains(problem))
+                m_problems << problem;
             delete page;
             continue;
         }
@@ -96,9 +129,17 @@ int ViewerWindow::addTabs(const QString& pluginFolder)
         m_tabs->addTab(page, title);
         ++added;
     }
-    if (!m_problems.isEmpty())
-        report(m_problems.join("; "));
     return added;
+}
+
+void ViewerWindow::releasePages()
+{
+    while (m_tabs->count() > 0)
+    {
+        QWidget* page = m_tabs->widget(0);
+        m_tabs->removeTab(0);
+        delete page;
+    }
 }
 
 QStringList ViewerWindow::problems() const
@@ -119,6 +160,51 @@ QPushButton* ViewerWindow::acquireButton() const
 int ViewerWindow::frameCount() const
 {
     return m_stream->frameCount();
+}
+
+bool ViewerWindow::isCameraLost() const
+{
+    return m_lost;
+}
+
+void ViewerWindow::checkCamera()
+{
+    if (m_lost || !m_camera->isDeviceLost())
+        return;
+    m_lost = true;
+    const bool acquiring = m_acquire->isChecked();
+    m_stream->stop(); // sends nothing to a lost camera
+    m_acquire->blockSignals(true);
+    m_acquire->setChecked(false);
+    m_acquire->blockSignals(false);
+    m_acquire->setEnabled(false);
+    if (acquiring)
+        emit acquisitionChanged(false);
+    m_tabs->setEnabled(false);
+    m_image->setPixmap(QPixmap());
+    m_image->setText(tr("No camera"));
+    const QString reason = m_camera->lostReason();
+    setCameraStatus(reason.isEmpty() ? tr("Camera %1 lost").arg(m_camera->id())
+                                     : tr("Camera %1 lost (%2)").arg(m_camera->id(), reason));
+    // A model on the in-process fake device cannot come back by itself.
+    if (!m_camera->id().startsWith(QLatin1String(GenICamCamera::FakePrefix)))
+        m_finder->start(m_camera->id(), m_camera->serialNumber());
+}
+
+void ViewerWindow::onCameraFound(std::shared_ptr<GenICamCamera> camera)
+{
+    // The old pages and feature handles go first: with them the lost device.
+    releasePages();
+    m_features.reset();
+    m_camera->adopt(*camera);
+    m_features = m_camera->features();
+    buildPages();
+    m_tabs->setEnabled(true);
+    m_acquire->setEnabled(true);
+    m_image->setText(tr("No image"));
+    m_counter->setText(tr("Frames: %1").arg(0));
+    m_lost = false;
+    setCameraStatus(tr("Camera %1 open").arg(m_camera->id()));
 }
 
 void ViewerWindow::triggerSoftware()
@@ -170,4 +256,12 @@ void ViewerWindow::onFrame(const QImage& image, int frameCount)
 void ViewerWindow::report(const QString& message)
 {
     statusBar()->showMessage(message);
+}
+
+void ViewerWindow::setCameraStatus(const QString& message)
+{
+    report(message);
+    // Not through Qt's message handler: the plug-ins install one that swallows everything.
+    std::fprintf(stderr, "triggerio-viewer: %s\n", qPrintable(message));
+    std::fflush(stderr);
 }

@@ -6,6 +6,9 @@
 #include <QMainWindow>
 #include <QStringList>
 
+#include <memory>
+
+class CameraFinder;
 class CameraStream;
 class GenICamCamera;
 class PluginHost;
@@ -13,9 +16,18 @@ class QLabel;
 class QLocale;
 class QPushButton;
 class QTabWidget;
+class QTimer;
+class TabExtensionInterface;
 
 // The viewer's camera window: a live image with a frame counter and an
 // "Acquire" toggle, and the tab pages that the plug-ins give for the camera.
+//
+// A camera that stops answering is shown as lost: the status line says so,
+// the image is gone, the pages are disabled and "Acquire" is off. The window
+// then looks for the same camera every few seconds and, once it answers,
+// opens it anew and builds the pages afresh from its new features. Every
+// change of the camera's status is also written as one line on standard
+// error, "triggerio-viewer: " first, for scripts to follow.
 class ViewerWindow : public QMainWindow
 {
     Q_OBJECT
@@ -36,6 +48,8 @@ public:
     QTabWidget* tabs() const;
     QPushButton* acquireButton() const;
     int frameCount() const;
+    // Whether the camera is lost (and being looked for).
+    bool isCameraLost() const;
 
 public slots:
     // Runs the camera's "TriggerSoftware" command, as the tab's "SW Trigger" does.
@@ -48,14 +62,25 @@ signals:
 private slots:
     void onAcquireToggled(bool on);
     void onFrame(const QImage& image, int frameCount);
+    void checkCamera();
+    void onCameraFound(std::shared_ptr<GenICamCamera> camera);
 
 private:
     void report(const QString& message);
+    // The status line, and the same line on standard error.
+    void setCameraStatus(const QString& message);
+    // One page per plug-in that serves the camera's features.
+    int buildPages();
+    void releasePages();
 
     GenICamCamera* m_camera;
     FeatureList m_features;
     PluginHost* m_host;
+    QList<TabExtensionInterface*> m_plugins;
     CameraStream* m_stream;
+    CameraFinder* m_finder;
+    QTimer* m_watch;
+    bool m_lost = false;
     QTabWidget* m_tabs;
     QLabel* m_image;
     QLabel* m_counter;

@@ -305,7 +305,11 @@ int GenICamCamera::pollPeriod() const
 
 bool GenICamCamera::isDeviceLost() const
 {
-    return m_device && m_device->isLost();
+    if (!m_device || !m_device->isLost())
+        return false;
+    std::lock_guard<std::mutex> lock(m_device->lock());
+    m_device->letGoIfLost();
+    return true;
 }
 
 QString GenICamCamera::lostReason() const
@@ -320,10 +324,15 @@ bool GenICamCamera::withAravisDevice(const std::function<void(ArvDevice*)>& call
     // The call may change the device behind the features' back: the change
     // poller treats it as a write.
     m_device->poller().beforeWrite();
+    bool ran = false;
     {
         std::lock_guard<std::mutex> lock(m_device->lock());
-        call(m_device->device());
+        if (!m_device->isLost())
+        {
+            call(m_device->device());
+            ran = true;
+        }
     }
     m_device->poller().afterWrite();
-    return true;
+    return ran;
 }

@@ -54,12 +54,23 @@ GenICamDevice::~GenICamDevice()
 {
     // Stop notifications before the node tree goes away.
     m_poller.reset();
+    letGoIfLost();
+    if (!m_device)
+        return;
     if (m_controlLostHandler)
         g_signal_handler_disconnect(m_device, m_controlLostHandler);
-    if (isLost())
-        std::thread([device = m_device] { g_object_unref(device); }).detach();
-    else
-        g_object_unref(m_device);
+    g_object_unref(m_device);
+}
+
+void GenICamDevice::letGoIfLost()
+{
+    if (!isLost() || !m_device)
+        return;
+    if (m_controlLostHandler)
+        g_signal_handler_disconnect(m_device, m_controlLostHandler);
+    std::thread([device = m_device] { g_object_unref(device); }).detach();
+    m_device = nullptr;
+    m_genicam = nullptr;
 }
 
 std::string GenICamDevice::lostReason() const

@@ -35,9 +35,6 @@ public:
 
     // Takes over the reference to device.
     GenICamDevice(ArvDevice* device, const std::string& id);
-    // A lost device is let go of on a thread of its own: Aravis says goodbye
-    // to the camera (a register write) and that write would wait for the
-    // whole timeout on a link that no longer answers.
     ~GenICamDevice();
 
     GenICamDevice(const GenICamDevice&) = delete;
@@ -51,6 +48,7 @@ public:
     {
         return m_lock;
     }
+    // Null once the device is lost and let go of (see letGoIfLost).
     ArvDevice* device() const
     {
         return m_device;
@@ -71,6 +69,13 @@ public:
     // Why the device was found lost, in Aravis's words where it gave any.
     std::string lostReason() const;
     void markLost(const std::string& reason);
+    // Once lost, lets go of the Aravis device, on a thread of its own: Aravis
+    // says goodbye to the camera (a register write that waits for its whole
+    // timeout on a silent link) and stops its heartbeat, which would
+    // otherwise keep claiming the camera when it comes back, so that it could
+    // not be opened anew. The node tree goes with it: callers check isLost()
+    // under lock() before they touch a node. Expects lock() held.
+    void letGoIfLost();
 
     // How long timeouts in a row may last before the device counts as lost:
     // the camera's heartbeat timeout (GigE Vision), else three seconds.

@@ -102,6 +102,9 @@ GenICamFeature::~GenICamFeature() = default;
 template <typename Result, typename Call>
 OrvErrorType GenICamFeature::aravis(Result& out, Call call, bool value)
 {
+    // Found lost earlier in this same call: not one more wait for the link.
+    if (m_device->isLost())
+        return OrvErrorDeviceLost;
     GError* error = nullptr;
     const auto started = std::chrono::steady_clock::now();
     Result result = call(&error);
@@ -127,8 +130,13 @@ template <typename Call> OrvErrorType GenICamFeature::withDevice(Call call)
         return OrvErrorDeviceLost;
     std::lock_guard<std::mutex> lock(m_device->lock());
     if (m_device->isLost())
+    {
+        m_device->letGoIfLost();
         return OrvErrorDeviceLost;
-    return call();
+    }
+    const OrvErrorType code = call();
+    m_device->letGoIfLost(); // lost during this call
+    return code;
 }
 
 template <typename Call> OrvErrorType GenICamFeature::write(Call call)
@@ -724,6 +732,14 @@ void GenICamFeature::observe(std::string& setting, std::string& state, bool& isV
     // wrong setting.
     setting.clear();
     std::lock_guard<std::mutex> lock(m_device->lock());
+    if (m_device->isLost())
+    {
+        m_device->letGoIfLost();
+        isVolatile = false;
+        registers.clear();
+        state = "!" + std::to_string(OrvErrorDeviceLost);
+        return;
+    }
     if (!m_dependenciesKnown)
         findDependencies();
     isVolatile = m_volatile;
@@ -738,12 +754,15 @@ void GenICamFeature::observe(std::string& setting, std::string& state, bool& isV
         setting += (code == OrvErrorSuccess ? std::to_string(static_cast<long long>(value)) : std::string("?")) + ',';
     }
     state = snapshot();
+    m_device->letGoIfLost();
 }
 
 std::string GenICamFeature::stateSnapshot()
 {
     std::lock_guard<std::mutex> lock(m_device->lock());
-    return snapshot();
+    const std::string state = snapshot();
+    m_device->letGoIfLost();
+    return state;
 }
 
 std::string GenICamFeature::snapshot()

@@ -74,6 +74,18 @@
         <source>Stopped after %1 frames</source>
         <translation>Angehalten nach %1 Bildern</translation>
     </message>
+    <message>
+        <source>No camera</source>
+        <translation>Keine Kamera</translation>
+    </message>
+    <message>
+        <source>Camera %1 lost</source>
+        <translation>Kamera %1 verloren</translation>
+    </message>
+    <message>
+        <source>Camera %1 lost (%2)</source>
+        <translation>Kamera %1 verloren (%2)</translation>
+    </message>
 </context>
 <context>
     <name>main</name>
