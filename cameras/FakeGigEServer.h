@@ -13,6 +13,8 @@
 #include <QStandardPaths>
 #include <QThread>
 
+#include <signal.h>
+
 // A GenICam model served by Aravis's fake GigE Vision camera on 127.0.0.1.
 // The server is stopped when this object goes, whatever the test did.
 class FakeGigEServer
@@ -49,8 +51,7 @@ public:
         m_process.setArguments({"-i", "127.0.0.1", "-s", QString::fromLatin1(m_serial), "-g", model});
         m_process.setStandardOutputFile(QProcess::nullDevice());
         m_process.setStandardErrorFile(QProcess::nullDevice());
-        m_process.start();
-        if (!m_process.waitForStarted(3000))
+        if (!startAgain())
         {
             if (error)
                 *error = m_process.errorString();
@@ -76,6 +77,23 @@ public:
     QByteArray serial() const
     {
         return m_serial;
+    }
+
+    // The camera unplugged and plugged in again: the server stopped and continued.
+    void pause()
+    {
+        ::kill(pid_t(m_process.processId()), SIGSTOP);
+    }
+    void resume()
+    {
+        ::kill(pid_t(m_process.processId()), SIGCONT);
+    }
+    // Power-cycled: the server killed (stop) and started again with the same
+    // model and serial number, in its power-up state.
+    bool startAgain()
+    {
+        m_process.start();
+        return m_process.waitForStarted(3000);
     }
 
     void stop()

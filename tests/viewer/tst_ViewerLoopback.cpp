@@ -9,10 +9,12 @@
 #include <QLabel>
 #include <QLibraryInfo>
 #include <QPushButton>
+#include <QStatusBar>
 #include <QTabWidget>
 #include <QtTest>
 
 #include <algorithm>
+#include <memory>
 
 namespace
 {
@@ -101,9 +103,10 @@ private slots:
         QVERIFY(process.waitForFinished(30000));
         QCOMPARE(process.exitStatus(), QProcess::NormalExit);
         QCOMPARE(process.exitCode(), code);
+        // Problems, beside the camera's status ("Camera ... open").
         const QStringList errors = QString::fromUtf8(process.readAllStandardError())
                                        .split('\n')
-                                       .filter(QRegularExpression("^triggerio-viewer:"));
+                                       .filter(QRegularExpression("^triggerio-viewer: (?!Camera .* open$)"));
         QCOMPARE(errors.size(), 1);
         QVERIFY2(errors.first().contains(reason), qPrintable(errors.first()));
         QCOMPARE(QFile::exists(shot), code == 0);
@@ -274,6 +277,73 @@ private slots:
             combo->setCurrentIndex(combo->count() - 1);
         QTest::qWait(1200); // another refresh tick on the lost device
         QVERIFY(neutral() && window.isVisible());
+    }
+
+    void outagesAreSurvived_data()
+    {
+        QTest::addColumn<bool>("powerCycle");
+        QTest::newRow("server stopped for 10 s") << false;
+        QTest::newRow("server killed and started again") << true;
+    }
+
+    // The window tells that the camera is lost within 8 s of its silence,
+    // stays responsive, and takes it back within 10 s of its first answer
+    // with a tab built afresh that shows the camera's values (its power-up
+    // values after a power cycle). It closes in under a second while lost.
+    void outagesAreSurvived()
+    {
+        QFETCH(bool, powerCycle);
+        if (FakeGigEServer::program().isEmpty())
+            QSKIP("arv-fake-gv-camera-0.8 (Debian package aravis-tools) is not installed");
+        FakeGigEServer server;
+        GenICamCamera camera;
+        QString error;
+        QVERIFY2(server.startAndOpen(TRIGGERIO_CAMERAS_DIR "/line-camera.xml", camera, &error), qPrintable(error));
+        auto window = std::make_unique<ViewerWindow>(&camera);
+        QCOMPARE(window->addTabs(TRIGGERIO_PLUGIN_DIR), 1);
+        window->show();
+        choose(window->tabs()->widget(0), "On", {"Off"});
+        QCOMPARE(deviceValue(camera, "TriggerMode"), QString("On"));
+
+        QElapsedTimer silence, answer, closing, sinceTick;
+        qint64 longestTick = 0; // the GUI thread's longest pause while the camera is lost
+        QTimer tick;
+        connect(&tick, &QTimer::timeout, [&] { longestTick = qMax(longestTick, sinceTick.restart()); });
+        silence.start();
+        powerCycle ? server.stop() : server.pause();
+        QTRY_VERIFY_WITH_TIMEOUT(window->isCameraLost(), 12000);
+        QVERIFY2(silence.elapsed() < 8000, qPrintable(QString::number(silence.elapsed())));
+        QVERIFY(!window->tabs()->isEnabled() && !window->acquireButton()->isEnabled());
+        QVERIFY(window->statusBar()->currentMessage().startsWith("Camera 127.0.0.1 lost"));
+        sinceTick.start();
+        tick.start(50);
+        QTest::qWait(int(qMax<qint64>(0, 10000 - silence.elapsed())));
+        QVERIFY(powerCycle ? server.startAgain() : (server.resume(), true));
+        answer.start();
+        QTRY_VERIFY_WITH_TIMEOUT(!window->isCameraLost(), 15000);
+        QVERIFY2(answer.elapsed() < 10000, qPrintable(QString::number(answer.elapsed())));
+        QVERIFY2(longestTick < 1000, qPrintable(QString::number(longestTick)));
+        QCOMPARE(FakeGigEServer::serialOf(camera), server.serial());
+        QCOMPARE(window->statusBar()->currentMessage(), QString("Camera 127.0.0.1 open"));
+
+        // The page built afresh shows what the camera has, and edits reach it.
+        const QString mode = powerCycle ? "Off" : "On", other = powerCycle ? "On" : "Off";
+        QCOMPARE(deviceValue(camera, "TriggerMode"), mode);
+        QComboBox* modeCombo = nullptr;
+        for (QComboBox* combo : window->tabs()->widget(0)->findChildren<QComboBox*>())
+            if (combo->findText("On") >= 0 && combo->findText("Off") >= 0 && !modeCombo)
+                modeCombo = combo;
+        QVERIFY(modeCombo && window->tabs()->isEnabled());
+        QTRY_COMPARE(modeCombo->currentText(), mode);
+        modeCombo->setCurrentText(other);
+        QCOMPARE(deviceValue(camera, "TriggerMode"), other);
+
+        server.pause();
+        QTRY_VERIFY_WITH_TIMEOUT(window->isCameraLost(), 12000);
+        closing.start();
+        window.reset();
+        camera.close();
+        QVERIFY2(closing.elapsed() < 1000, qPrintable(QString::number(closing.elapsed())));
     }
 
     void runCommandShowsATriggeredFrame()
