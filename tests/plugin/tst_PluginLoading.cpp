@@ -101,10 +101,15 @@ void tst_PluginLoading::unsupportedCameraGetsNoTab()
 
 void tst_PluginLoading::deletedInstanceIsMadeAnew()
 {
-    QPointer<QObject> first = m_loader.instance();
-    delete first.data();
-    QVERIFY(first.isNull());
+    delete m_loader.instance();
+    // The new instance serves tabs (a dangling one would not).
+    TestCamera cam;
+    cam.add("SyncOutLevels", OrvFeatureDataInt, 0, 0, 15);
+    cam.addEnum("SyncOutSelector", {"SyncOut1"}, "SyncOut1");
+    cam.addEnum("SyncOutSource", {"GPO"}, "GPO").selectedBy("SyncOutSelector");
+    QWidget parent;
     QVERIFY(plugin());
+    QCOMPARE(plugin()->get(cam.features(), parent, nullptr), 0);
 }
 
 QTEST_MAIN(tst_PluginLoading)
