@@ -46,12 +46,26 @@ LIST
 
 [ -d "$build" ] || { echo "no build in $build: configure one first" >&2; exit 2; }
 caught=0; missed=0; stale=0
+
+# The file with a fault in it goes back however the script ends (Ctrl-C, kill, an error).
+planted=""
+restore() {
+    if [ -n "$planted" ] && [ -f "$planted.orig" ]; then
+        mv "$planted.orig" "$planted" && touch "$planted"
+        echo "restored $planted"
+    fi
+    planted=""
+}
+trap restore EXIT
+trap 'exit 130' INT
+trap 'exit 143' TERM HUP
 while IFS='~' read -r id file from to what; do
     [ -n "$id" ] || continue
     if [ "$only" != "  " ] && [[ "$only" != *" $id "* ]]; then continue; fi
     cp "$file" "$file.orig"
+    planted=$file
     if ! FROM="$from" TO="$to" perl -0pi -e 'BEGIN{$f=$ENV{FROM}; $t=$ENV{TO}; $f=~s/\\n/\n/g; $t=~s/\\n/\n/g;} $n += s/\Q$f\E/$t/; END{exit($n == 1 ? 0 : 1)}' "$file"; then
-        mv "$file.orig" "$file"; echo "STALE   $id: its text is no longer in $file"; stale=$((stale + 1)); continue
+        mv "$file.orig" "$file"; planted=""; echo "STALE   $id: its text is no longer in $file"; stale=$((stale + 1)); continue
     fi
     if ! cmake --build "$build" -j"$(nproc)" >/tmp/plant-build.log 2>&1; then
         echo "BUILD   $id: does not compile (see /tmp/plant-build.log)"
@@ -62,6 +76,7 @@ while IFS='~' read -r id file from to what; do
     fi
     mv "$file.orig" "$file"
     touch "$file"
+    planted=""
 done <<<"$faults"
 cmake --build "$build" -j"$(nproc)" >/dev/null 2>&1
 echo "$caught caught, $missed missed, $stale stale"

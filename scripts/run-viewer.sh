@@ -14,9 +14,14 @@
 #   scripts/run-viewer.sh [viewer arguments...]   e.g. --camera fake:cameras/syncout-camera.xml
 #   MODEL=cameras/routing-camera.xml scripts/run-viewer.sh
 #   VIEWER=build/bin/triggerio-viewer scripts/run-viewer.sh   (that viewer, no set-up, no build)
+#
+# Relative paths (MODEL, VIEWER, SCREENSHOT and the viewer's arguments such as
+# --camera fake:FILE.xml) are taken from the folder the script is run from.
 set -euo pipefail
+here=$PWD
 viewer=${VIEWER:+$(realpath "$VIEWER")}
 shot=$(realpath -m "${SCREENSHOT:-$(dirname "$0")/../build/triggerio-viewer.png}")
+model=$(realpath -m "${MODEL:-$(dirname "$0")/../cameras/line-camera.xml}")
 cd "$(dirname "$0")/.."
 
 if [ -z "$viewer" ]; then
@@ -51,7 +56,6 @@ trap 'exit 130' INT
 trap 'exit 143' TERM HUP
 
 if [ "$camera_given" = no ]; then
-    model=${MODEL:-cameras/line-camera.xml}
     [ -f "$model" ] || { echo "run-viewer.sh: no model file $model" >&2; exit 2; }
     # The server dies with this script, however it ends.
     setpriv --pdeathsig TERM arv-fake-gv-camera-0.8 -i 127.0.0.1 -g "$model" > /dev/null 2>&1 &
@@ -76,6 +80,8 @@ if [ "$display" = no ]; then
     export QT_QPA_PLATFORM=offscreen
     arguments+=(--acquire --trigger-software --screenshot "$shot")
 fi
+# The viewer resolves its relative arguments against its working folder.
+cd "$here"
 "$viewer" "${arguments[@]}" &
 viewer_pid=$!
 status=0

@@ -82,10 +82,10 @@ ViewerWindow::~ViewerWindow()
     m_stream->stop();
 }
 
-bool ViewerWindow::installTranslation(const QLocale& locale)
+bool ViewerWindow::installTranslation(const QLocale& locale, const QString& folder)
 {
     QTranslator* translator = new QTranslator(QCoreApplication::instance());
-    if (!translator->load(locale, "triggerio-viewer", "_", QCoreApplication::applicationDirPath() + "/translations"))
+    if (!translator->load(locale, "triggerio-viewer", "_", folder))
     {
         delete translator;
         return false;

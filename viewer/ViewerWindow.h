@@ -37,8 +37,8 @@ public:
     ~ViewerWindow() override;
 
     // Installs the viewer's own translation for the locale's language, from
-    // "translations/" beside the binary; false when there is none.
-    static bool installTranslation(const QLocale& locale);
+    // the folder given; false when there is none.
+    static bool installTranslation(const QLocale& locale, const QString& folder);
 
     // Asks every plug-in of the folder for its tab; returns how many were added.
     int addTabs(const QString& pluginFolder);

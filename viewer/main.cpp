@@ -7,6 +7,7 @@
 // in-process fake device); without one the line-family demo model is opened.
 
 #include "GenICamCamera.h"
+#include "ViewerFolders.h"
 #include "ViewerWindow.h"
 
 #include <QApplication>
@@ -31,17 +32,6 @@ void say(FILE* stream, const QString& text)
 {
     std::fprintf(stream, "%s\n", qPrintable(text));
     std::fflush(stream);
-}
-
-// Demo models sit next to the binary (build tree) or under share/ (installed).
-QString demoCameraFolder(const QString& appDir)
-{
-    for (const QString& candidate : {appDir + "/cameras", appDir + "/../share/triggerio/cameras"})
-    {
-        if (QFileInfo(candidate + "/line-camera.xml").exists())
-            return QDir(candidate).canonicalPath();
-    }
-    return appDir + "/cameras";
 }
 
 // Options that only print text need no display, so no GUI application.
@@ -71,10 +61,10 @@ int main(int argc, char** argv)
                                                                  : new QApplication(argc, argv));
     QCoreApplication::setApplicationName("triggerio-viewer");
     QCoreApplication::setApplicationVersion(TRIGGERIO_VERSION);
-    const QString appDir = QCoreApplication::applicationDirPath();
+    const ViewerFolders folders = ViewerFolders::find(QCoreApplication::applicationDirPath());
 
     // The viewer's own texts, in the language of the user's locale.
-    ViewerWindow::installTranslation(QLocale::system());
+    ViewerWindow::installTranslation(QLocale::system(), folders.translations);
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QCoreApplication::translate("main", "Hosts the Trigger IO tab for a camera."));
@@ -99,7 +89,7 @@ int main(int argc, char** argv)
     parser.addOptions({cameraOption, listOption, acquireOption, triggerOption, screenshotOption, afterOption});
     parser.process(*app);
 
-    const QString cameras = demoCameraFolder(appDir);
+    const QString cameras = folders.cameras;
 
     if (parser.isSet(listOption))
     {
@@ -142,10 +132,10 @@ int main(int argc, char** argv)
     }
 
     // The tab finds its translations under "plugins/", relative to the working folder.
-    QDir::setCurrent(appDir);
+    QDir::setCurrent(folders.working);
 
     ViewerWindow window(&camera);
-    if (window.addTabs(appDir + "/plugins") == 0)
+    if (window.addTabs(folders.plugins) == 0)
     {
         say(stderr,
             "triggerio-viewer: " +
