@@ -3,6 +3,7 @@
 
 #include "GenICamCamera.h"
 
+#include "FakeDeviceMemoryGuard.h"
 #include "FeaturePoller.h"
 #include "GenICamDevice.h"
 #include "GenICamFeature.h"
@@ -52,29 +53,43 @@ QString messageOf(GError* error)
     return error && error->message ? QString::fromUtf8(error->message) : QString();
 }
 
-void collectFeatures(const std::shared_ptr<GenICamDevice>& device, ArvGcCategory* category,
-                     const std::string& categoryName, std::set<std::string>& seen,
-                     std::set<std::string>& visitedCategories, QVector<OrvCPP::shared_ptr<OrvCPP::Feature>>& out)
+// The feature nodes below the root category, depth first as the XML lists
+// them, without recursion. A category listed twice is walked once, a category
+// loop ends there. Returns the categories nested deeper than the reference
+// chains allowed (the features are then incomplete), or an empty list.
+QStringList collectFeatures(const std::shared_ptr<GenICamDevice>& device,
+                            QVector<OrvCPP::shared_ptr<OrvCPP::Feature>>& out)
 {
-    if (!visitedCategories.insert(categoryName).second)
-        return; // a category listed twice, or a loop in a broken description
-    for (const GSList* item = arv_gc_category_get_features(category); item; item = item->next)
+    std::set<std::string> seen, visitedCategories{"Root"};
+    ArvGcNode* root = arv_gc_get_node(device->genicam(), "Root");
+    std::vector<std::pair<std::string, const GSList*>> path{
+        {"Root", arv_gc_category_get_features(ARV_GC_CATEGORY(root))}};
+    while (!path.empty())
     {
-        const char* name = static_cast<const char*>(item->data);
-        if (!name)
-            continue;
-        ArvGcNode* node = arv_gc_get_node(device->genicam(), name);
-        if (!node)
-            continue;
-        if (ARV_IS_GC_CATEGORY(node))
+        const GSList*& item = path.back().second;
+        if (!item)
         {
-            collectFeatures(device, ARV_GC_CATEGORY(node), name, seen, visitedCategories, out);
+            path.pop_back();
             continue;
         }
-        if (!ARV_IS_GC_FEATURE_NODE(node) || !seen.insert(name).second)
-            continue;
-        out.append(std::make_shared<GenICamFeature>(device, ARV_GC_FEATURE_NODE(node), categoryName));
+        const char* name = static_cast<const char*>(item->data);
+        item = item->next;
+        ArvGcNode* node = name ? arv_gc_get_node(device->genicam(), name) : nullptr;
+        if (ARV_IS_GC_CATEGORY(node) && visitedCategories.insert(name).second)
+        {
+            path.emplace_back(name, arv_gc_category_get_features(ARV_GC_CATEGORY(node)));
+            if (path.size() > size_t(GenICamReferenceGraph::MaxChainLength) + 1)
+            {
+                QStringList names;
+                for (const auto& category : path)
+                    names << QString::fromStdString(category.first);
+                return names;
+            }
+        }
+        else if (ARV_IS_GC_FEATURE_NODE(node) && !ARV_IS_GC_CATEGORY(node) && seen.insert(name).second)
+            out.append(std::make_shared<GenICamFeature>(device, ARV_GC_FEATURE_NODE(node), path.back().first));
     }
+    return {};
 }
 
 } // namespace
@@ -219,15 +234,28 @@ OrvErrorType GenICamCamera::open(const QString& id)
         g_object_unref(device);
         return fail(OrvErrorInvalidValue, QStringLiteral("Device '%1' has no GenICam description").arg(id));
     }
-    // Before any feature is read: Aravis would follow a loop until the stack overflows.
-    const QStringList loop = GenICamReferenceGraph(arv_device_get_genicam(device)).findLoop();
-    if (!loop.isEmpty())
+    // Before any feature is read: Aravis would follow a loop, or a very long
+    // chain, until the stack overflows, or evaluate a wide fan for ever.
+    const GenICamReferenceGraph graph(arv_device_get_genicam(device));
+    const QStringList loop = graph.findLoop();
+    const GenICamReferenceGraph::Overload overload =
+        loop.isEmpty() ? graph.findOverload() : GenICamReferenceGraph::Overload();
+    if (!loop.isEmpty() || !overload.path.isEmpty())
     {
         g_object_unref(device);
-        return fail(
-            OrvErrorInvalidValue,
-            QStringLiteral("Reference loop in the camera description: %1").arg(GenICamReferenceGraph::describe(loop)));
+        const QString problem = !loop.isEmpty() ? QStringLiteral("Reference loop")
+                                : overload.tooDeep
+                                    ? QStringLiteral("Reference chain too deep")
+                                    : QStringLiteral("Reference fan-out too wide (a read of %1 evaluates "
+                                                     "nodes over %2 times)")
+                                          .arg(overload.path.first())
+                                          .arg(GenICamReferenceGraph::MaxEvaluations);
+        return fail(OrvErrorInvalidValue,
+                    QStringLiteral("%1 in the camera description: %2")
+                        .arg(problem, GenICamReferenceGraph::describe(loop.isEmpty() ? overload.path : loop)));
     }
+    if (ARV_IS_FAKE_DEVICE(device))
+        FakeDeviceMemoryGuard::install();
     auto shared = std::make_shared<GenICamDevice>(device, id.toStdString());
     ArvGcNode* root = arv_gc_get_node(shared->genicam(), "Root");
     if (!ARV_IS_GC_CATEGORY(root))
@@ -235,9 +263,10 @@ OrvErrorType GenICamCamera::open(const QString& id)
                     QStringLiteral("The GenICam description of '%1' has no 'Root' category").arg(id));
 
     FeatureList features(new QVector<OrvCPP::shared_ptr<OrvCPP::Feature>>);
-    std::set<std::string> seen;
-    std::set<std::string> categories;
-    collectFeatures(shared, ARV_GC_CATEGORY(root), "Root", seen, categories, *features);
+    const QStringList nesting = collectFeatures(shared, *features);
+    if (!nesting.isEmpty())
+        return fail(OrvErrorInvalidValue, QStringLiteral("Categories nested too deep in the camera description: %1")
+                                              .arg(GenICamReferenceGraph::describe(nesting)));
 
     m_device = shared;
     m_features = features;

@@ -3,6 +3,7 @@
 
 #include "GenICamReferenceGraph.h"
 
+#include <algorithm>
 #include <unordered_map>
 #include <utility>
 
@@ -27,6 +28,8 @@ namespace
 //   that is normal and ends).
 // - pSelected lists the features a selector switches; they commonly read the
 //   selector back through their pIndex or address formula.
+// findOverload follows pMin, pMax and pInc too (a read of the range
+// evaluates them), and a node's range may ask its pValue for its range.
 // - pInvalidator is only compared for the register cache, pFeature lists the
 //   members of a category (the feature walk guards itself), and pPort names
 //   a Port node, which references nothing.
@@ -87,26 +90,37 @@ GenICamReferenceGraph::GenICamReferenceGraph(ArvGc* genicam)
     }
 
     m_references.resize(nodes.size());
-    auto addReference = [&](int from, ArvGcNode* to)
+    m_limits.resize(nodes.size());
+    m_rangeOf.assign(nodes.size(), -1);
+    m_register.resize(nodes.size());
+    auto indexOfNode = [&](ArvGcNode* node)
     {
-        const auto found = indexOf.find(ARV_DOM_NODE(to));
-        if (to && found != indexOf.end())
-            m_references[size_t(from)].push_back(found->second);
+        const auto found = indexOf.find(ARV_DOM_NODE(node));
+        return node && found != indexOf.end() ? found->second : -1;
     };
     for (size_t i = 0; i < nodes.size(); ++i)
     {
         // A structure entry is read through the address of its structure.
-        ArvDomNode* owners[] = {nodes[i], ARV_IS_GC_STRUCT_ENTRY_NODE(nodes[i]) ? arv_dom_node_get_parent_node(nodes[i])
-                                                                                : nullptr};
-        for (ArvDomNode* owner : owners)
+        const bool entry = ARV_IS_GC_STRUCT_ENTRY_NODE(nodes[i]);
+        m_register[i] = entry || ARV_IS_GC_REGISTER_NODE(nodes[i]);
+        for (ArvDomNode* owner : {nodes[i], entry ? arv_dom_node_get_parent_node(nodes[i]) : nullptr})
         {
             for (ArvDomNode* child = owner ? arv_dom_node_get_first_child(owner) : nullptr; child;
                  child = arv_dom_node_get_next_sibling(child))
             {
-                if (!ARV_IS_GC_PROPERTY_NODE(child) ||
-                    !isFollowed(arv_gc_property_node_get_node_type(ARV_GC_PROPERTY_NODE(child))))
+                if (!ARV_IS_GC_PROPERTY_NODE(child))
                     continue;
-                addReference(int(i), arv_gc_property_node_get_linked_node(ARV_GC_PROPERTY_NODE(child)));
+                const ArvGcPropertyNodeType type = arv_gc_property_node_get_node_type(ARV_GC_PROPERTY_NODE(child));
+                const int to = indexOfNode(arv_gc_property_node_get_linked_node(ARV_GC_PROPERTY_NODE(child)));
+                if (to < 0)
+                    continue;
+                if (isFollowed(type))
+                    m_references[i].push_back(to);
+                if (type == ARV_GC_PROPERTY_NODE_TYPE_P_MINIMUM || type == ARV_GC_PROPERTY_NODE_TYPE_P_MAXIMUM ||
+                    type == ARV_GC_PROPERTY_NODE_TYPE_P_INCREMENT)
+                    m_limits[i].push_back(to);
+                if (type == ARV_GC_PROPERTY_NODE_TYPE_P_VALUE)
+                    m_rangeOf[i] = to;
             }
         }
     }
@@ -159,6 +173,96 @@ QStringList GenICamReferenceGraph::findLoop() const
         }
     }
     return {};
+}
+
+GenICamReferenceGraph::Overload GenICamReferenceGraph::findOverload() const
+{
+    // Two states per node: its value (even) and its range (odd). A value reads
+    // the values it references, a range also its limits' values and maybe its
+    // pValue's range; a value never needs a range, so without loops among the
+    // references there are none here either. Per state: the longest chain
+    // below it and how many evaluations it costs Aravis, which caches nothing
+    // and evaluates a register's address and a converter's range twice.
+    const size_t count = 2 * m_names.size();
+    auto edges = [&](size_t state)
+    {
+        const size_t node = state / 2;
+        const int times = m_register[node] ? 2 : 1;
+        std::vector<std::pair<size_t, int>> to; // state, evaluations per read
+        for (int target : m_references[node])
+            to.emplace_back(2 * size_t(target), times);
+        if (state % 2)
+        {
+            for (int target : m_limits[node])
+                to.emplace_back(2 * size_t(target), 1);
+            if (m_rangeOf[node] >= 0)
+                to.emplace_back(2 * size_t(m_rangeOf[node]) + 1, 2);
+        }
+        return to;
+    };
+    std::vector<int> depth(count, -1); // -1: not reached yet, -2: on the path
+    std::vector<double> cost(count, 0);
+    std::vector<std::pair<size_t, size_t>> path; // state, next edge
+    for (size_t start = 0; start < count; ++start)
+    {
+        if (depth[start] != -1)
+            continue;
+        path.emplace_back(start, 0);
+        depth[start] = -2;
+        while (!path.empty())
+        {
+            const size_t state = path.back().first;
+            const auto to = edges(state);
+            if (path.back().second < to.size())
+            {
+                const size_t target = to[path.back().second++].first;
+                if (depth[target] == -1)
+                {
+                    depth[target] = -2;
+                    path.emplace_back(target, 0);
+                }
+                continue;
+            }
+            int longest = 0;
+            double evaluations = 1;
+            for (const auto& [target, times] : to)
+                if (depth[target] >= 0) // a loop, if any, is findLoop's to report
+                {
+                    longest = std::max(longest, depth[target] + 1);
+                    evaluations = std::min(evaluations + times * cost[target], 1e300);
+                }
+            depth[state] = longest;
+            cost[state] = evaluations;
+            path.pop_back();
+        }
+    }
+
+    // The first node in document order that is too deep, else too costly,
+    // with the chain that makes it so.
+    Overload overload;
+    for (bool deep : {true, false})
+        for (size_t state = 0; state < count; ++state)
+        {
+            if (deep ? depth[state] <= MaxChainLength : cost[state] <= MaxEvaluations)
+                continue;
+            overload.tooDeep = deep;
+            for (size_t at = state, next = state; next != count; at = next)
+            {
+                overload.path << m_names[at / 2];
+                next = count;
+                double heaviest = 0;
+                for (const auto& [target, times] : edges(at))
+                    if (deep ? depth[target] == depth[at] - 1 : times * cost[target] > heaviest)
+                    {
+                        next = target;
+                        heaviest = times * cost[target];
+                        if (deep)
+                            break;
+                    }
+            }
+            return overload;
+        }
+    return overload;
 }
 
 QString GenICamReferenceGraph::describe(const QStringList& loop)

@@ -171,13 +171,15 @@ private slots:
             << "" << QByteArray("<?xml version=\"1.0\"?><html><body/></html>") << invalid << "no 'Root' category";
 
         // Nodes whose evaluation needs themselves: Aravis would recurse without end.
-        const auto loop = [&](const char* name, const QByteArray& nodes, const QString& names)
+        const auto refused = [&](const char* name, const QByteArray& nodes, const QString& message)
         {
             QTest::newRow(name) << ""
                                 << "<RegisterDescription><Category Name=\"Root\"><pFeature>A</pFeature></Category>" +
                                        nodes + "</RegisterDescription>"
-                                << invalid << "Reference loop in the camera description: " + names;
+                                << invalid << message;
         };
+        const auto loop = [&](const char* name, const QByteArray& nodes, const QString& names)
+        { refused(name, nodes, "Reference loop in the camera description: " + names); };
         const QByteArray formulaOfA = "<pVariable Name=\"X\">A</pVariable><Formula>X</Formula></IntSwissKnife>";
         loop("formula variable is the formula", "<IntSwissKnife Name=\"A\">" + formulaOfA, "A -> A");
         // One loop through every kind of reference.
@@ -196,6 +198,30 @@ private slots:
                      QByteArray::number((i + 1) % count) + "</pValue></Integer>";
         loop("huge, one long loop", chain,
              "N0 -> N1 -> N2 -> N3 -> ... (359993 more) ... -> N359997 -> N359998 -> N359999 -> N0");
+
+        // No loop, but deeper than Aravis's recursion can go, or a fan it evaluates 2^40 times.
+        QByteArray formulas, categories = "<Category Name=\"A\"><pFeature>C0</pFeature></Category>", fan;
+        for (int i = 0; i < 100000; ++i)
+        {
+            const QByteArray name = "N" + QByteArray::number(i), next = "N" + QByteArray::number(i + 1);
+            formulas += "<IntSwissKnife Name=\"" + (i ? name : "A") + "\"><pVariable Name=\"X\">" + next +
+                        "</pVariable><Formula>X+1</Formula></IntSwissKnife>";
+            categories += "<Category Name=\"C" + QByteArray::number(i) + "\"><pFeature>C" + QByteArray::number(i + 1) +
+                          "</pFeature></Category>";
+            if (i < 40)
+                fan += "<IntSwissKnife Name=\"" + (i ? name : "A") + "\"><pVariable Name=\"X\">" + next +
+                       "</pVariable><pVariable Name=\"Y\">" + next +
+                       "</pVariable><Formula>X+Y</Formula></IntSwissKnife>";
+        }
+        refused("100,000 formulas in a chain", formulas + "<Integer Name=\"N100000\"><Value>1</Value></Integer>",
+                "Reference chain too deep in the camera description: A -> N1 -> N2 -> N3 -> ... (99993 more) ... -> "
+                "N99997 -> N99998 -> N99999 -> N100000");
+        refused("categories nested 100,000 deep", categories,
+                "Categories nested too deep in the camera description: Root -> A -> C0 -> C1 -> ... (194 more) ... -> "
+                "C196 -> C197 -> C198 -> C199");
+        refused("a fan of 2^40 evaluations", fan + "<Integer Name=\"N40\"><Value>1</Value></Integer>",
+                "Reference fan-out too wide (a read of A evaluates nodes over 50000 times) in the camera description: "
+                "A -> N1 -> N2 -> N3 -> ... (33 more) ... -> N37 -> N38 -> N39 -> N40");
     }
 
     void openErrors()
