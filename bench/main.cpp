@@ -2,7 +2,7 @@
 #include "FakeGigEServer.h"
 
 #include "BenchTab.h"
-#include "GvcpCounter.h"
+#include "GvcpLink.h"
 #include "MemoryCamera.h"
 
 #include <QApplication>
@@ -35,22 +35,22 @@ QTextStream out(stdout);
 struct Sample
 {
     double ms = 0.0;
-    GvcpCounter::Counts packets;
+    GvcpLink::Counts packets;
     long distinctReads = 0; // different registers among the GUI thread's reads
     QString note;
 };
 
 Sample measure(const std::function<void()>& step)
 {
-    const GvcpCounter::Counts before = GvcpCounter::counts();
-    GvcpCounter::forgetGuiReads();
+    const GvcpLink::Counts before = GvcpLink::counts();
+    GvcpLink::forgetGuiReads();
     QElapsedTimer timer;
     timer.start();
     step();
     Sample sample;
     sample.ms = double(timer.nsecsElapsed()) / 1e6;
-    sample.packets = GvcpCounter::counts() - before;
-    sample.distinctReads = GvcpCounter::distinctGuiReads();
+    sample.packets = GvcpLink::counts() - before;
+    sample.distinctReads = GvcpLink::distinctGuiReads();
     return sample;
 }
 
@@ -180,8 +180,10 @@ QVector<Row> tabSteps(GenICamCamera& camera, int idleSeconds)
 QVector<Row> singleReads(GenICamCamera& camera)
 {
     QVector<Row> rows;
-    const int reads = 300;
-    const int rounds = 15;
+    // Through an emulated link, with its lost packets, a handful: each read costs its round trips.
+    const bool slowLink = GvcpLink::emulation().isOn();
+    const int reads = slowLink ? 20 : 300;
+    const int rounds = slowLink ? 1 : 15;
     const FeatureList features = camera.features();
     for (const char* name : {"TriggerSource", "AcquisitionFrameCount", "LineInverter", "LineSource"})
     {
@@ -248,6 +250,27 @@ QVector<Row> singleReads(GenICamCamera& camera)
     return rows;
 }
 
+// One register read straight through Aravis while the emulated link drops
+// everything: how long Aravis keeps asking before it gives up, and how often.
+Row deadLinkRead(GenICamCamera& camera)
+{
+    QString outcome;
+    auto read = [&](ArvDevice* device)
+    {
+        GError* error = nullptr;
+        arv_device_get_integer_feature_value(device, "AcquisitionFrameCount", &error);
+        outcome = error ? QString::fromUtf8(error->message) : QStringLiteral("no error");
+        g_clear_error(&error);
+    };
+    GvcpLink::cut(60000);
+    Row row{"one register read (AcquisitionFrameCount) on a cut link", measure([&] { camera.withAravisDevice(read); })};
+    GvcpLink::cut(0);
+    row.sample.note = QStringLiteral("%1 ms per attempt; \"%2\"")
+                          .arg(number(row.sample.ms / std::max(1L, row.sample.packets.gui), 1))
+                          .arg(outcome);
+    return row;
+}
+
 void runModel(const QString& model, bool gige, int idleSeconds)
 {
     const QString path = QStringLiteral(TRIGGERIO_CAMERAS_DIR) + "/" + model;
@@ -284,6 +307,8 @@ void runModel(const QString& model, bool gige, int idleSeconds)
     rows += tabSteps(camera, idleSeconds);
     if (gige && model == "line-camera.xml")
         rows += singleReads(camera);
+    if (gige && model == "line-camera.xml" && GvcpLink::emulation().isOn())
+        rows += deadLinkRead(camera);
     printTable(model + (gige ? " over loopback GigE Vision" : " on the in-process fake device"), rows, gige);
 }
 
@@ -368,7 +393,7 @@ int main(int argc, char** argv)
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
-    GvcpCounter::markGuiThread();
+    GvcpLink::markGuiThread();
 
     int idleSeconds = 5;
     QString only;
@@ -389,6 +414,10 @@ int main(int argc, char** argv)
     }
 
     out << "# triggerio-bench\n";
+    // TRIGGERIO_LINK="rtt=1.5,drop=0.05,seed=1" runs the GigE Vision steps through an emulated link.
+    if (GvcpLink::emulation().isOn())
+        out << "\nGigE Vision control packets through an emulated link: "
+            << QString::fromStdString(GvcpLink::describe(GvcpLink::emulation())) << "\n";
     for (const QString& model : models)
     {
         if (only.isEmpty() || only == "gige")
