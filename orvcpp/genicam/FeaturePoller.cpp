@@ -186,7 +186,12 @@ void FeaturePoller::State::look(bool baselinesOnly)
         if (seen == entry.bySetting.end() && entry.bySetting.size() >= MaxSettings)
             entry.bySetting.clear();
         entry.bySetting[setting] = now;
-        if (changed)
+        // All observers gone while it was read (the tab unregisters them for
+        // the whole of its refresh, which takes seconds on a slow link): the
+        // change is told to the next ones that register.
+        if (changed && entry.observers.empty())
+            entry.untold = true;
+        else if (changed)
             changes.push_back({item.key, item.feature, entry.observers});
     }
     {

@@ -16,7 +16,7 @@ namespace
 // device: the camera no longer answers it, or has handed control to another.
 void onControlLost(ArvDevice*, gpointer userData)
 {
-    static_cast<GenICamDevice*>(userData)->markLost("the camera's heartbeat failed: control lost");
+    static_cast<GenICamDevice*>(userData)->controlLost();
 }
 
 // GigE Vision bootstrap register: heartbeat timeout in milliseconds.
@@ -71,6 +71,30 @@ void GenICamDevice::letGoIfLost()
     std::thread([device = m_device] { g_object_unref(device); }).detach();
     m_device = nullptr;
     m_genicam = nullptr;
+}
+
+void GenICamDevice::controlLost()
+{
+    // Not on Aravis's heartbeat thread: asking for control waits for the link,
+    // and letting go of the device there would wait for that very thread.
+    std::thread(
+        [weak = weak_from_this()]
+        {
+            const std::shared_ptr<GenICamDevice> self = weak.lock();
+            if (!self)
+                return;
+            std::lock_guard<std::mutex> lock(self->m_lock);
+            if (self->isLost() || !self->m_device)
+                return;
+            GError* error = nullptr;
+            if (ARV_IS_GV_DEVICE(self->m_device) && arv_gv_device_take_control(ARV_GV_DEVICE(self->m_device), &error))
+                return; // the camera still answers and is ours again: its heartbeat runs on
+            self->markLost(std::string("the camera's heartbeat failed, control lost") +
+                           (error && error->message ? std::string(": ") + error->message : std::string()));
+            g_clear_error(&error);
+            self->letGoIfLost();
+        })
+        .detach();
 }
 
 std::string GenICamDevice::lostReason() const

@@ -28,7 +28,7 @@ class FeaturePoller;
 // answer in between, for longer than the camera's heartbeat timeout: by then
 // the camera has given up on us too. Once lost it stays lost, and every
 // feature call returns OrvErrorDeviceLost at once without touching the link.
-class GenICamDevice
+class GenICamDevice : public std::enable_shared_from_this<GenICamDevice>
 {
 public:
     using Duration = std::chrono::steady_clock::duration;
@@ -69,6 +69,11 @@ public:
     // Why the device was found lost, in Aravis's words where it gave any.
     std::string lostReason() const;
     void markLost(const std::string& reason);
+    // Aravis's heartbeat gave up (one unanswered read is enough for it, and a
+    // link cut for two seconds can do that) or found that the camera no longer
+    // counts us as its controller: on a thread of its own, control is asked
+    // for again; the device is lost only when that fails.
+    void controlLost();
     // Once lost, lets go of the Aravis device, on a thread of its own: Aravis
     // says goodbye to the camera (a register write that waits for its whole
     // timeout on a silent link) and stops its heartbeat, which would
