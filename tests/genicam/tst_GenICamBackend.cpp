@@ -190,15 +190,6 @@ private slots:
              "<IntReg Name=\"R\"><pAddress>V</pAddress><Length>4</Length><pPort>Device</pPort></IntReg>"
              "<Integer Name=\"V\"><pValue>A</pValue></Integer>",
              "A -> B -> L -> R -> V -> A");
-        // About 20 MB, one loop through all of it (the message leaves its middle out).
-        QByteArray chain = "<Integer Name=\"A\"><pValue>N0</pValue></Integer>";
-        const int count = 360000;
-        for (int i = 0; i < count; ++i)
-            chain += "<Integer Name=\"N" + QByteArray::number(i) + "\"><pValue>N" +
-                     QByteArray::number((i + 1) % count) + "</pValue></Integer>";
-        loop("huge, one long loop", chain,
-             "N0 -> N1 -> N2 -> N3 -> ... (359993 more) ... -> N359997 -> N359998 -> N359999 -> N0");
-
         // No loop, but deeper than Aravis's recursion can go, or a fan it evaluates 2^40 times.
         QByteArray formulas, categories = "<Category Name=\"A\"><pFeature>C0</pFeature></Category>", fan;
         for (int i = 0; i < 100000; ++i)
@@ -318,7 +309,6 @@ private slots:
 
         // No notification after unregistering; the other observer still gets its own.
         QCOMPARE(levels->SetValue(3LL), Code(OrvErrorSuccess));
-        QCOMPARE(textOf(levels), QString("3"));
         // The look that tells the other one has passed the first one (registered first) by.
         QVERIFY(other->waitFor("LineOutLevels", 10000).contains("LineOutLevels"));
         QVERIFY(observer->waitFor({}, 0).isEmpty());

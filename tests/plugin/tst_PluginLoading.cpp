@@ -102,14 +102,7 @@ void tst_PluginLoading::unsupportedCameraGetsNoTab()
 void tst_PluginLoading::deletedInstanceIsMadeAnew()
 {
     delete m_loader.instance();
-    // The new instance serves tabs (a dangling one would not).
-    TestCamera cam;
-    cam.add("SyncOutLevels", OrvFeatureDataInt, 0, 0, 15);
-    cam.addEnum("SyncOutSelector", {"SyncOut1"}, "SyncOut1");
-    cam.addEnum("SyncOutSource", {"GPO"}, "GPO").selectedBy("SyncOutSelector");
-    QWidget parent;
-    QVERIFY(plugin());
-    QCOMPARE(plugin()->get(cam.features(), parent, nullptr), 0);
+    tabsFollowTheHostsAcquisition(); // with the new instance (a dangling one would not build tabs)
 }
 
 QTEST_MAIN(tst_PluginLoading)

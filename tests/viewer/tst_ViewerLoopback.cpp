@@ -394,11 +394,8 @@ private slots:
         // The page built afresh shows what the camera has, and edits reach it.
         const QString mode = powerCycle ? "Off" : "On", other = powerCycle ? "On" : "Off";
         QCOMPARE(deviceValue(camera, "TriggerMode"), mode);
-        QComboBox* modeCombo = nullptr;
-        for (QComboBox* combo : window->tabs()->widget(0)->findChildren<QComboBox*>())
-            if (combo->findText("On") >= 0 && combo->findText("Off") >= 0 && !modeCombo)
-                modeCombo = combo;
-        QVERIFY(modeCombo && window->tabs()->isEnabled());
+        QComboBox* modeCombo = comboOffering(window->tabs()->widget(0), "On", {"Off"});
+        QVERIFY(window->tabs()->isEnabled());
         QTRY_COMPARE(modeCombo->currentText(), mode);
         modeCombo->setCurrentText(other);
         QCOMPARE(deviceValue(camera, "TriggerMode"), other);
