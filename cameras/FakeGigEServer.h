@@ -30,14 +30,6 @@ public:
         stop();
     }
 
-    // The serial number a fake camera reports in its GigE Vision bootstrap registers.
-    static QByteArray serialOf(const GenICamCamera& camera)
-    {
-        char serial[17] = {};
-        camera.withAravisDevice([&](ArvDevice* device) { arv_device_read_memory(device, 0xd8, 16, serial, nullptr); });
-        return QByteArray(serial);
-    }
-
     // Starts the server and opens the camera over GigE Vision; false (and the
     // reason in error) when that fails within 20 s. Another fake camera may
     // share the port for a while (it binds with address reuse): the serial
@@ -63,7 +55,7 @@ public:
         {
             if (camera.open("127.0.0.1") == OrvErrorSuccess)
             {
-                if (serialOf(camera) == m_serial)
+                if (camera.serialNumber() == QString::fromLatin1(m_serial))
                     return true;
                 camera.close();
             }
