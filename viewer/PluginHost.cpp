@@ -3,8 +3,12 @@
 #include "TabExtensionInterface.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QJsonObject>
 #include <QLibrary>
+#include <QVector>
+
+#include <algorithm>
 #include <QPluginLoader>
 
 PluginHost::PluginHost(QObject* parent)
@@ -23,6 +27,9 @@ QList<TabExtensionInterface*> PluginHost::load(const QString& folder)
         m_problems << tr("Plug-in folder %1 does not exist").arg(QDir::toNativeSeparators(folder));
         return plugins;
     }
+    // Pages come in the order their plug-ins ask for ("PageOrder" in the
+    // plug-in's own metadata, 0 without one), then by file name.
+    QVector<QPair<int, QPluginLoader*>> ordered;
     for (const QString& file : dir.entryList(QDir::Files, QDir::Name))
     {
         const QString path = dir.absoluteFilePath(file);
@@ -37,10 +44,18 @@ QList<TabExtensionInterface*> PluginHost::load(const QString& folder)
             delete loader;
             continue;
         }
+        ordered.append({loader->metaData().value("MetaData").toObject().value("PageOrder").toInt(), loader});
+    }
+    std::stable_sort(ordered.begin(), ordered.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    for (const auto& entry : qAsConst(ordered))
+    {
+        QPluginLoader* loader = entry.second;
         TabExtensionInterface* plugin = qobject_cast<TabExtensionInterface*>(loader->instance());
         if (!plugin)
         {
-            m_problems << tr("%1 could not be loaded: %2").arg(file, loader->errorString());
+            m_problems << tr("%1 could not be loaded: %2").arg(QFileInfo(loader->fileName()).fileName(),
+                                                               loader->errorString());
             delete loader;
             continue;
         }

@@ -1,7 +1,7 @@
 // triggerio-viewer: hosts the tab plug-ins for one camera.
 //
 //   triggerio-viewer [--camera ID] [--list] [--acquire] [--trigger-software]
-//                    [--screenshot FILE [--after MS]]
+//                    [--page TITLE] [--screenshot FILE [--after MS]]
 //
 // ID is an Aravis device id or "fake:FILE.xml" (a GenICam model on the
 // in-process fake device); without one the line-family demo model is opened.
@@ -86,7 +86,10 @@ int main(int argc, char** argv)
     QCommandLineOption afterOption(
         "after", QCoreApplication::translate("main", "Milliseconds before the screenshot (default 1500)."), "MS",
         "1500");
-    parser.addOptions({cameraOption, listOption, acquireOption, triggerOption, screenshotOption, afterOption});
+    QCommandLineOption pageOption(
+        "page", QCoreApplication::translate("main", "Show the page with this title first (\"I/O Monitor\")."), "TITLE");
+    parser.addOptions(
+        {cameraOption, listOption, acquireOption, triggerOption, screenshotOption, afterOption, pageOption});
     parser.process(*app);
 
     const QString cameras = folders.cameras;
@@ -144,6 +147,19 @@ int main(int argc, char** argv)
     }
     for (const QString& problem : window.problems())
         say(stderr, "triggerio-viewer: " + problem);
+    if (parser.isSet(pageOption))
+    {
+        int page = window.tabs()->count() - 1;
+        while (page >= 0 && window.tabs()->tabText(page) != parser.value(pageOption))
+            --page;
+        if (page < 0)
+        {
+            say(stderr, "triggerio-viewer: " +
+                            QCoreApplication::translate("main", "no page %1").arg(parser.value(pageOption)));
+            return 2;
+        }
+        window.tabs()->setCurrentIndex(page);
+    }
     window.resize(1100, 900);
     window.show();
 

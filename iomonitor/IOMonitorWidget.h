@@ -1,0 +1,99 @@
+#ifndef IOMONITORWIDGET_H
+#define IOMONITORWIDGET_H
+
+#include "BaseTabPluginWidget.h"
+#include "LineSampler.h"
+#include "SignalTrace.h"
+#include "TriggerMonitor.h"
+
+#include <QElapsedTimer>
+#include <QVector>
+
+#include <memory>
+
+class QLabel;
+class TraceStrip;
+
+namespace Ui
+{
+class IOMonitorWidget;
+}
+
+// The "I/O Monitor" page: what the camera's lines and its trigger are doing,
+// over the last seconds. One row per line (name, direction, a lamp for the
+// level now, the trace, the edges counted), the trigger told as a sentence,
+// and the camera's acquisition states as more rows on the same time axis
+// (where the camera has none, the viewer's own acquisition on/off).
+//
+// Samples are read on the GUI thread, at the rate the user sets, and only
+// while the page is shown, enabled (the viewer disables its pages while the
+// camera is lost) and not paused. The page writes nothing to the camera but
+// the selector walks that read selector-dependent levels, which put the
+// selector back.
+class IOMonitorWidget : public BaseTabPluginWidget
+{
+    Q_OBJECT
+
+public:
+    IOMonitorWidget(const FeatureList& features, QWidget* parent);
+    ~IOMonitorWidget() override;
+
+    // Re-reads the line directions and the trigger sentence when the camera
+    // reports them changed.
+    void updateInit() override;
+
+    bool isSampling() const;
+    // Lines first, then the acquisition states, in the order of the rows.
+    QVector<const SignalTrace*> traces() const;
+    // Writes what the traces show now as a Value Change Dump.
+    bool saveVcd(const QString& path, QString* error) const;
+
+public slots:
+    // The host's acquisition on/off.
+    void camIsStreaming(bool streaming);
+    // Reads one sample of every row now.
+    void sampleNow();
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+private slots:
+    void OnRateChanged(int rate);
+    void OnWindowChanged(int seconds);
+    void OnPauseToggled(bool paused);
+    void OnResetClicked();
+    void OnSaveClicked();
+
+private:
+    struct Row
+    {
+        SignalTrace trace;
+        QLabel* kind = nullptr;
+        QLabel* lamp = nullptr;
+        TraceStrip* strip = nullptr;
+        QLabel* edges = nullptr;
+    };
+
+    void addRow(const QString& name, const QString& kind);
+    void updateSampling();
+    void updateSamplingNote();
+    void updateDirections();
+    // Lamps, edge counts and the time window of every row.
+    void showRows();
+
+    std::unique_ptr<Ui::IOMonitorWidget> ui;
+    LineSampler m_lines;
+    TriggerMonitor m_trigger;
+    std::vector<std::unique_ptr<Row>> m_rows;
+    // Whether the last row is the viewer's acquisition (no camera state tells it).
+    bool m_bHostAcquisitionRow = false;
+    bool m_bAcquiring = false;
+    bool m_bShown = false;
+    QTimer* m_pSampleTimer = nullptr;
+    QElapsedTimer m_clock;
+    qint64 m_lastSampleMs = 0;
+};
+
+#endif
