@@ -1,0 +1,285 @@
+#include "IOMonitorWidget.h"
+#include "SignalTrace.h"
+#include "TabExtensionInterface.h"
+#include "TestCamera.h"
+#include "VcdWriter.h"
+
+#include <QLabel>
+#include <QPluginLoader>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <memory>
+
+using TestCam::TestCamera;
+
+namespace
+{
+
+// Three lines read in one of the ways the monitor knows. The line family
+// stands on Line1, so that a walk has a line before and after it; the
+// LineStatusAll camera also reports two acquisition states.
+std::unique_ptr<TestCamera> camera(const QString& source)
+{
+    std::unique_ptr<TestCamera> cam(new TestCamera);
+    const QStringList lines{"Line0", "Line1", "Line2"};
+    if (source == "masks")
+    {
+        cam->addEnum("SyncOutSelector", {"SyncOut1", "SyncOut2", "SyncOut3"}, "SyncOut1");
+        cam->add("SyncOutLevels", OrvFeatureDataInt, 0, 0, 7);
+        return cam;
+    }
+    cam->addEnum("LineSelector", lines, "Line1");
+    cam->addEnum("LineMode", {"Input", "Output"}, "Input").selectedBy("LineSelector");
+    cam->set("LineMode", "Output", "Line2");
+    if (source == "all")
+    {
+        cam->add("LineStatusAll", OrvFeatureDataInt, 0, 0, 7).writable(false);
+        cam->addEnum("AcquisitionStatusSelector", {"FrameTriggerWait", "AcquisitionActive"}, "AcquisitionActive");
+        cam->add("AcquisitionStatus", OrvFeatureDataBool, false).selectedBy("AcquisitionStatusSelector");
+    }
+    else
+    {
+        cam->add("LineStatus", OrvFeatureDataBool, false).selectedBy("LineSelector");
+    }
+    return cam;
+}
+
+// Puts the levels of one step ("1x0|10|1": lines | camera states | the
+// viewer's acquisition) into the camera; "x" makes that read fail once.
+void apply(TestCamera& cam, IOMonitorWidget& page, const QString& source, const QString& step)
+{
+    const QStringList parts = step.split('|');
+    const QString lines = parts.at(0);
+    long long mask = 0;
+    for (int i = 0; i < lines.size(); ++i)
+    {
+        if (source == "walk" && lines.at(i) != 'x')
+            cam.set("LineStatus", lines.at(i) == '1', "Line" + QString::number(i));
+        mask |= (lines.at(i) == '1' ? 1LL : 0LL) << i;
+    }
+    if (source == "all")
+        cam.set("LineStatusAll", mask);
+    if (source == "masks")
+        cam.set("SyncOutLevels", mask);
+    if (lines.contains('x'))
+        cam.fail(source == "walk" ? "LineStatus" : source == "all" ? "LineStatusAll" : "SyncOutLevels",
+                 source == "walk" ? "GetBool" : "GetInt", OrvErrorTimeout, 1);
+    const QString states = parts.value(1);
+    for (int i = 0; i < states.size(); ++i)
+        cam.set("AcquisitionStatus", states.at(i) == '1', i ? "AcquisitionActive" : "FrameTriggerWait");
+    page.camIsStreaming(parts.value(2) == "1");
+}
+
+QString levelsOf(const SignalTrace& trace)
+{
+    QString text;
+    for (const SignalTrace::Sample& sample : trace.samples())
+        text += sample.level == SignalTrace::Unknown ? QChar('x') : QChar('0' + sample.level);
+    return text;
+}
+
+} // namespace
+
+class tst_IOMonitor : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void scriptedLevelsGiveTraces_data();
+    void scriptedLevelsGiveTraces();
+    void triggerSentence_data();
+    void triggerSentence();
+    void readsOnlyWhileShownEnabledAndRunning();
+    void vcdRoundTrips();
+    void moduleServesOnlyCamerasWithLines();
+};
+
+void tst_IOMonitor::scriptedLevelsGiveTraces_data()
+{
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<QStringList>("steps");
+    // One entry per trace: the levels sampled, then the rising/falling edges counted.
+    QTest::addColumn<QStringList>("traces");
+    QTest::addColumn<QStringList>("writesPerSample");
+
+    QTest::newRow("LineStatusAll, one read") << "all" << QStringList{"010|10", "110|01", "xxx|01", "011|11"}
+                                             << QStringList{"01x0 1/1", "11x1 0/0", "00x1 1/0", "1001 1/1", "0111 1/0"}
+                                             << QStringList{"AcquisitionStatusSelector=FrameTriggerWait",
+                                                            "AcquisitionStatusSelector=AcquisitionActive"};
+    // The walk reads Line1 first (the selector stands there) and a failed read
+    // of it leaves only Line1 unknown.
+    QTest::newRow("LineStatus, line by line")
+        << "walk" << QStringList{"000||0", "1x0||1", "101||1", "001||0"}
+        << QStringList{"0110 1/1", "0x00 0/0", "0011 1/0", "0110 1/1"}
+        << QStringList{"LineSelector=Line0", "LineSelector=Line2", "LineSelector=Line1"};
+    QTest::newRow("sync-out level masks") << "masks" << QStringList{"100||0", "xxx||0", "011||1"}
+                                          << QStringList{"1x0 0/1", "0x1 1/0", "0x1 1/0", "001 1/0"} << QStringList{};
+}
+
+// A scripted sequence of levels gives, for each way of reading them, the
+// traces (a failed read is a gap, never a level), the edge counts, and the
+// camera sees nothing but the selector walks, which end where they began.
+void tst_IOMonitor::scriptedLevelsGiveTraces()
+{
+    QFETCH(QString, source);
+    QFETCH(QStringList, steps);
+    QFETCH(QStringList, traces);
+    QFETCH(QStringList, writesPerSample);
+    std::unique_ptr<TestCamera> cam = camera(source);
+    QWidget parent;
+    IOMonitorWidget page(cam->features(), &parent);
+    cam->takeJournal();
+    for (const QString& step : steps)
+    {
+        apply(*cam, page, source, step);
+        page.sampleNow();
+        QCOMPARE(cam->takeJournal(), writesPerSample);
+    }
+    QCOMPARE(page.traces().size(), traces.size());
+    for (int i = 0; i < traces.size(); ++i)
+    {
+        const SignalTrace& trace = *page.traces().at(i);
+        QCOMPARE(levelsOf(trace) + QString(" %1/%2").arg(trace.rising()).arg(trace.falling()), traces.at(i));
+    }
+    QCOMPARE(cam->value("LineSelector"), source == "masks" ? QString() : QString("Line1"));
+    QCOMPARE(page.traces().at(2)->kind(), QString("Output"));
+    page.findChild<QPushButton*>("pb_Reset")->click();
+    QCOMPARE(page.traces().at(0)->rising() + page.traces().at(0)->falling(), 0);
+}
+
+void tst_IOMonitor::triggerSentence_data()
+{
+    QTest::addColumn<QStringList>("settings");
+    QTest::addColumn<QString>("sentence");
+    QTest::newRow("no trigger") << QStringList{} << "Free running (the camera has no trigger)";
+    QTest::newRow("frame start off") << QStringList{"FrameStart", "Off", "Line0", "RisingEdge"} << "Free running";
+    QTest::newRow("other trigger off") << QStringList{"AcquisitionStart", "Off", "Line0", "RisingEdge"}
+                                       << "Acquisition start trigger off";
+    QTest::newRow("software") << QStringList{"FrameStart", "On", "Software", "RisingEdge"}
+                              << "Frame start waits for a software trigger";
+    QTest::newRow("rising") << QStringList{"FrameStart", "On", "Line0", "RisingEdge"}
+                            << "Frame start waits for a rising edge on Line0";
+    QTest::newRow("misspelt falling") << QStringList{"ExposureStart", "On", "Line2", "FallinEdge"}
+                                      << "Exposure start waits for a falling edge on Line2";
+    QTest::newRow("any edge") << QStringList{"FrameBurstStart", "On", "Line1", "AnyEdge"}
+                              << "Frame burst start waits for any edge on Line1";
+    QTest::newRow("level high") << QStringList{"AcquisitionStart", "On", "Line1", "LevelHigh"}
+                                << "Acquisition start waits for a high level on Line1";
+    QTest::newRow("level low, no selector") << QStringList{"", "On", "Line3", "LevelLow"}
+                                            << "The trigger waits for a low level on Line3";
+    QTest::newRow("unknown selector and activation") << QStringList{"LineStartNow", "On", "Line0", "Strange"}
+                                                     << "Line start now waits for a signal on Line0";
+}
+
+// The trigger told in words, from the selector, mode, source and activation
+// the camera reports; the trigger selector is never moved.
+void tst_IOMonitor::triggerSentence()
+{
+    QFETCH(QStringList, settings);
+    QFETCH(QString, sentence);
+    std::unique_ptr<TestCamera> cam = camera("walk");
+    const QStringList names{"TriggerSelector", "TriggerMode", "TriggerSource", "TriggerActivation"};
+    for (int i = 0; i < settings.size(); ++i)
+    {
+        if (!settings.at(i).isEmpty())
+            cam->addEnum(names.at(i), {settings.at(i)}, settings.at(i));
+    }
+    QWidget parent;
+    IOMonitorWidget page(cam->features(), &parent);
+    QCOMPARE(page.findChild<QLabel*>("l_Trigger")->text(), sentence);
+    for (const QString& write : cam->takeJournal())
+        QVERIFY2(write.startsWith("LineSelector="), qPrintable(write));
+}
+
+// Samples are read while the page is shown, enabled and not paused, and
+// nothing at all is read otherwise (the walk camera would journal every one).
+void tst_IOMonitor::readsOnlyWhileShownEnabledAndRunning()
+{
+    std::unique_ptr<TestCamera> cam = camera("walk");
+    QWidget parent;
+    IOMonitorWidget* page = new IOMonitorWidget(cam->features(), &parent);
+    page->findChild<QSpinBox*>("sb_Rate")->setValue(50);
+    const SignalTrace* line0 = page->traces().at(0);
+    QVERIFY(!page->isSampling());
+    parent.show();
+    QTRY_VERIFY_WITH_TIMEOUT(line0->samples().size() >= 3, 10000);
+    auto stopsReading = [&](const char* what) {
+        QVERIFY2(!page->isSampling(), what);
+        cam->takeJournal();
+        const int taken = line0->samples().size();
+        QTest::qWait(100);
+        QVERIFY2(cam->takeJournal().isEmpty() && line0->samples().size() == taken, what);
+    };
+    page->findChild<QPushButton*>("pb_Pause")->click();
+    stopsReading("paused");
+    page->findChild<QPushButton*>("pb_Pause")->click();
+    QVERIFY(page->isSampling());
+    parent.setEnabled(false); // the viewer's pages while the camera is lost
+    stopsReading("disabled");
+    parent.setEnabled(true);
+    QVERIFY(page->isSampling());
+    page->hide();
+    stopsReading("hidden");
+}
+
+// A dump parsed back gives each signal's changes at the sample times, with
+// "x" for a failed read, and names GTKWave accepts.
+void tst_IOMonitor::vcdRoundTrips()
+{
+    SignalTrace line("Line 0"), state("FrameTriggerWait");
+    const QVector<QPair<qint64, QPair<int, int>>> samples{
+        {900, {1, 0}}, {1000, {0, 0}}, {1100, {1, 1}}, {1200, {-1, 1}}, {1300, {1, 0}}, {1400, {0, 0}}};
+    for (const auto& sample : samples)
+    {
+        line.append(sample.first, sample.second.first);
+        state.append(sample.first, sample.second.second);
+    }
+    const QByteArray dump = VcdWriter::dump({&line, &state}, 1000, 1500, QDateTime::currentDateTime());
+
+    QMap<QByteArray, QByteArray> names;
+    QMap<QByteArray, QStringList> changes;
+    QByteArray time;
+    for (const QByteArray& text : dump.split('\n'))
+    {
+        const QList<QByteArray> words = text.split(' ');
+        if (words.first() == "$var")
+            names[words.at(3)] = words.at(4);
+        else if (text.startsWith('#'))
+            time = text.mid(1);
+        else if (!text.isEmpty() && QByteArray("01x").contains(text.at(0)))
+            changes[names.value(text.mid(1))] << time + ":" + text.at(0);
+    }
+    QCOMPARE(names.values(), QList<QByteArray>({"Line_0", "FrameTriggerWait"}));
+    QCOMPARE(changes.value("Line_0"), QStringList({"0:0", "100:1", "200:x", "300:1", "400:0"}));
+    QCOMPARE(changes.value("FrameTriggerWait"), QStringList({"0:0", "100:1", "300:0"}));
+    QVERIFY(dump.contains("$timescale 1ms $end") && dump.endsWith("#500\n"));
+}
+
+// Loaded as a host loads it: a page titled "I/O Monitor" after the Trigger
+// IO tab, result 4 and no page for a camera without lines.
+void tst_IOMonitor::moduleServesOnlyCamerasWithLines()
+{
+    QPluginLoader loader(IOMONITOR_PLUGIN_FILE);
+    QCOMPARE(loader.metaData().value("IID").toString(), QString("TabExtensionInterface"));
+    QCOMPARE(loader.metaData().value("MetaData").toObject().value("PageOrder").toInt(), 1);
+    TabExtensionInterface* plugin = qobject_cast<TabExtensionInterface*>(loader.instance());
+    QVERIFY2(plugin, qPrintable(loader.errorString()));
+
+    TestCamera noLines;
+    noLines.addEnum("TriggerMode", {"Off", "On"}, "Off");
+    QWidget empty;
+    QCOMPARE(plugin->get(noLines.features(), empty, nullptr), 4);
+    QVERIFY(!empty.layout() && empty.findChildren<QWidget*>().isEmpty());
+
+    std::unique_ptr<TestCamera> cam = camera("masks");
+    QWidget parent;
+    QCOMPARE(plugin->get(cam->features(), parent, nullptr), 0);
+    QCOMPARE(parent.accessibleName(), QString("I/O Monitor"));
+    QVERIFY(parent.findChild<QWidget*>("sa_Lines"));
+}
+
+QTEST_MAIN(tst_IOMonitor)
+#include "tst_IOMonitor.moc"
