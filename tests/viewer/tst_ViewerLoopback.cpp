@@ -191,7 +191,7 @@ private slots:
         ViewerWindow window(&camera);
         QElapsedTimer busy;
         busy.start();
-        QCOMPARE(window.addTabs(TRIGGERIO_PLUGIN_DIR), 1);
+        QCOMPARE(window.addTabs(TRIGGERIO_PLUGIN_DIR), 2); // Trigger IO, then the I/O Monitor
         window.resize(1100, 900);
         window.show();
         const qint64 buildMs = busy.restart();
@@ -249,23 +249,53 @@ private slots:
         QGridLayout* grid = tab->findChild<QGridLayout*>("grid_Output");
         QCheckBox* value = nullptr;
         QCheckBox* status = nullptr;
+        QString driven; // the line's name
         for (int row = 1; grid && row < grid->rowCount() && !value; ++row)
         {
             QLayoutItem* source = grid->itemAtPosition(row, 1);
             QComboBox* combo = source ? qobject_cast<QComboBox*>(source->widget()) : nullptr;
             if (combo && combo->currentText().contains("UserOutput"))
             {
+                driven = qobject_cast<QLabel*>(grid->itemAtPosition(row, 0)->widget())->text().remove(": ");
                 value = qobject_cast<QCheckBox*>(grid->itemAtPosition(row, 5)->widget());
                 status = qobject_cast<QCheckBox*>(grid->itemAtPosition(row, 3)->widget());
             }
         }
         QCOMPARE(value && status, userOutputs);
+        // Each flip shows as an edge of the line on the I/O Monitor, shown meanwhile, while its
+        // acquisition row is high.
+        window.tabs()->setCurrentIndex(1);
+        QGridLayout* traces = window.tabs()->widget(1)->findChild<QGridLayout*>("grid_Lines");
+        auto traceCell = [traces](const QString& name, int column) {
+            for (int row = 0; row < traces->rowCount(); ++row)
+            {
+                QLayoutItem* item = traces->itemAtPosition(row, 0);
+                if (item && qobject_cast<QLabel*>(item->widget())->text() == name)
+                    return qobject_cast<QLabel*>(traces->itemAtPosition(row, column)->widget());
+            }
+            return static_cast<QLabel*>(nullptr);
+        };
+        QLabel* acquiring = traceCell("AcquisitionActive", 2) ? traceCell("AcquisitionActive", 2) : traceCell("Acquiring", 2);
+        QTRY_VERIFY_WITH_TIMEOUT(acquiring && acquiring->styleSheet().contains("80, 220, 120"), 10000);
         for (int flip = 0; value && status && flip < 2; ++flip)
         {
-            const bool before = status->isChecked();
+            const bool checked = status->isChecked();
+            QLabel* edges = traceCell(driven, 4);
+            QVERIFY(edges);
+            auto counted = [edges] { // "↑2 ↓1" is 3 edges
+                int sum = 0;
+                for (const QString& number : edges->text().split(QRegularExpression("\\D+"), Qt::SkipEmptyParts))
+                    sum += number.toInt();
+                return sum;
+            };
+            const int before = counted();
             value->click();
-            QTRY_COMPARE_WITH_TIMEOUT(status->isChecked(), !before, 20000);
+            QTRY_COMPARE_WITH_TIMEOUT(counted(), before + 1, 10000);
+            window.tabs()->setCurrentIndex(0); // the tab refreshes while shown
+            QTRY_COMPARE_WITH_TIMEOUT(status->isChecked(), !checked, 20000);
+            window.tabs()->setCurrentIndex(1);
         }
+        window.tabs()->setCurrentIndex(0);
 
         // One row per output line of the model, labelled with the line's name.
         auto rows = [grid]
@@ -364,7 +394,7 @@ private slots:
         QString error;
         QVERIFY2(server.startAndOpen(TRIGGERIO_CAMERAS_DIR "/line-camera.xml", camera, &error), qPrintable(error));
         auto window = std::make_unique<ViewerWindow>(&camera);
-        QCOMPARE(window->addTabs(TRIGGERIO_PLUGIN_DIR), 1);
+        QCOMPARE(window->addTabs(TRIGGERIO_PLUGIN_DIR), 2);
         window->show();
         choose(window->tabs()->widget(0), "On", {"Off"});
         QCOMPARE(deviceValue(camera, "TriggerMode"), QString("On"));
