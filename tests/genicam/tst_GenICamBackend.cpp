@@ -263,13 +263,14 @@ private slots:
         row("selector walks", line,
             "LineSelector=Line0 LineMode? LineSelector=Line1 LineMode? LineSource? LineSelector=Line2 LineMode=Output "
             "LineInverter=true LineSource? LineSelector=Line3 LineMode? LineInverter? LineSelector=Line2 LineMode? "
-            "LineInverter?");
+            "LineInverter? @0x1140=1 UserOutputValue=true LineStatusAll? LineStatusAll=2 LineSelector=Line1 "
+            "LineSource=AcquisitionActive LineStatusAll? AcquisitionStart! LineStatusAll? AcquisitionStatus?");
         row("sync-out", syncout,
-            "SyncOutLevels=5 SyncOutLevels? SyncOutLevels# SyncOutSource? SyncOutSelector=SyncOut2 SyncOutSource? "
-            "SyncOutSelector=SyncOut3 SyncOutSource?");
+            "SyncOutLevels=5 SyncOutSource? SyncOutSelector=SyncOut3 SyncOutSource? LineStatusAll? LineStatusAll=0 "
+            "SyncOutSelector=SyncOut2 SyncOutSource=AcquisitionActive AcquisitionStart! LineStatusAll?");
         row("routing", routing,
-            "TriggerActivation=LowLevel TriggerActivation? TriggerActivation# LineSelector=Line0 LineMode? "
-            "LineSelector=Line1 LineMode? LineSelector=Line3 LineMode? LineOutLevels?");
+            "TriggerActivation=LowLevel TriggerActivation# LineStatusAll? LineStatusAll=0 LineSelector=Line2 "
+            "LineSource=FrameTriggerWait TriggerMode=On AcquisitionStart! LineStatus? LineStatusAll?");
     }
 
     // Each step's result on a demo model in process, compared with the reviewed
