@@ -34,6 +34,7 @@ MemoryCamera::MemoryCamera(int featureCount)
                                                 "UserOutput1", "UserOutput2"}),
         std::make_shared<MemoryFeature>(this, "LineInverter", OrvFeatureDataBool),
         std::make_shared<MemoryFeature>(this, "LineStatus", OrvFeatureDataBool),
+        std::make_shared<MemoryFeature>(this, "LineStatusAll", OrvFeatureDataInt),
         std::make_shared<MemoryFeature>(this, "UserOutputSelector", OrvFeatureDataEnum, userOutputs),
         std::make_shared<MemoryFeature>(this, "UserOutputValue", OrvFeatureDataBool)};
 

@@ -3,6 +3,7 @@
 
 #include "BenchTab.h"
 #include "GvcpLink.h"
+#include "IOMonitorWidget.h"
 #include "MemoryCamera.h"
 
 #include <QApplication>
@@ -176,6 +177,38 @@ QVector<Row> tabSteps(GenICamCamera& camera, int idleSeconds)
     return rows;
 }
 
+// The I/O Monitor page on its own: what it costs hidden, per sample, and shown
+// at its default rate.
+QVector<Row> monitorSteps(GenICamCamera& camera)
+{
+    QVector<Row> rows;
+    std::unique_ptr<IOMonitorWidget> page;
+    rows.append({"I/O Monitor: build (hidden)", measure([&] { page.reset(new IOMonitorWidget(camera.features(), nullptr)); })});
+    Row hidden{"I/O Monitor hidden, 2 s", measure([&] { runEvents(2000); })};
+    hidden.sample.note = QStringLiteral("sampling: %1").arg(page->isSampling() ? "on" : "off");
+    rows.append(hidden);
+    const int samples = 50;
+    Row sample{QStringLiteral("I/O Monitor: one sample (mean of %1)").arg(samples),
+               measure([&] {
+                   for (int i = 0; i < samples; ++i)
+                       page->sampleNow();
+               })};
+    sample.sample.note = QStringLiteral("%1 GUI-thread packets per sample, %2 traces")
+                             .arg(double(sample.sample.packets.gui) / samples)
+                             .arg(page->traces().size());
+    sample.sample.ms /= samples;
+    rows.append(sample);
+    page->show();
+    runEvents(500);
+    Row shown{"I/O Monitor shown, 10 samples a second, per second", measure([&] { runEvents(3000); })};
+    shown.sample.ms /= 3;
+    shown.sample.packets.gui /= 3;
+    shown.sample.packets.other /= 3;
+    shown.sample.packets.heartbeat /= 3;
+    rows.append(shown);
+    return rows;
+}
+
 // One feature read through the backend and the same read straight through Aravis.
 QVector<Row> singleReads(GenICamCamera& camera)
 {
@@ -305,6 +338,7 @@ void runModel(const QString& model, bool gige, int idleSeconds)
     }
     runEvents(200);
     rows += tabSteps(camera, idleSeconds);
+    rows += monitorSteps(camera);
     if (gige && model == "line-camera.xml")
         rows += singleReads(camera);
     if (gige && model == "line-camera.xml" && GvcpLink::emulation().isOn())
@@ -349,6 +383,23 @@ void runMemory()
                                                                                 })};
         row.sample.note = QStringLiteral("%1 ns per call").arg(number(row.sample.ms * 1e6 / calls, 1));
         row.sample.ms /= calls;
+        rows.append(row);
+    }
+    {
+        // One I/O Monitor sample: the lines through LineStatusAll, one call.
+        MemoryCamera camera(1000);
+        IOMonitorWidget page(camera.features(), nullptr);
+        const int samples = 10000;
+        const MemoryCamera::Calls before = camera.calls();
+        Row row{"1000 features: one I/O Monitor sample", measure([&] {
+                    for (int i = 0; i < samples; ++i)
+                        page.sampleNow();
+                })};
+        row.sample.note = QStringLiteral("%1 us per sample (mean of %2); %3")
+                              .arg(number(row.sample.ms * 1000 / samples, 2))
+                              .arg(samples)
+                              .arg(callsText(camera.calls(), before));
+        row.sample.ms /= samples;
         rows.append(row);
     }
     for (int size : {100, 1000, 10000})

@@ -61,11 +61,9 @@ IOMonitorWidget::IOMonitorWidget(const FeatureList& features, QWidget* parent)
     updateDirections();
     for (const QString& state : m_trigger.states())
         addRow(state, tr("Camera state"));
-    if (!m_trigger.states().contains("AcquisitionActive"))
-    {
-        addRow("Acquiring", tr("Viewer"));
-        m_bHostAcquisitionRow = true;
-    }
+    // The viewer's own acquisition on/off costs no read.
+    addRow("Acquiring", tr("Viewer"));
+    ui->cb_States->setVisible(!m_trigger.states().isEmpty());
     ui->grid_Lines->setColumnStretch(3, 1);
     ui->grid_Lines->setRowStretch(int(m_rows.size()), 1);
 
@@ -188,14 +186,14 @@ void IOMonitorWidget::sampleNow()
 {
     const qint64 now = m_clock.elapsed();
     const QVector<int> levels = m_lines.sample();
-    const QVector<int> states = m_trigger.sample();
+    // The states cost a selector walk a sample: read only when asked for.
+    const QVector<int> states = ui->cb_States->isChecked() ? m_trigger.sample() : QVector<int>();
     int r = 0;
     for (int level : levels)
         m_rows.at(r++)->trace.append(now, level);
     for (int state : states)
         m_rows.at(r++)->trace.append(now, state);
-    if (m_bHostAcquisitionRow)
-        m_rows.at(r)->trace.append(now, m_bAcquiring ? 1 : 0);
+    m_rows.back()->trace.append(now, m_bAcquiring ? 1 : 0);
     for (const std::unique_ptr<Row>& row : m_rows)
         row->trace.forgetBefore(now - KeptMs);
     m_lastSampleMs = now;

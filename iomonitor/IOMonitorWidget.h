@@ -22,8 +22,9 @@ class IOMonitorWidget;
 // The "I/O Monitor" page: what the camera's lines and its trigger are doing,
 // over the last seconds. One row per line (name, direction, a lamp for the
 // level now, the trace, the edges counted), the trigger told as a sentence,
-// and the camera's acquisition states as more rows on the same time axis
-// (where the camera has none, the viewer's own acquisition on/off).
+// and, on the same time axis, the camera's acquisition states (read only when
+// the user asks: they cost a selector walk a sample) and the viewer's own
+// acquisition on/off.
 //
 // Samples are read on the GUI thread, at the rate the user sets, and only
 // while the page is shown, enabled (the viewer disables its pages while the
@@ -87,8 +88,6 @@ private:
     LineSampler m_lines;
     TriggerMonitor m_trigger;
     std::vector<std::unique_ptr<Row>> m_rows;
-    // Whether the last row is the viewer's acquisition (no camera state tells it).
-    bool m_bHostAcquisitionRow = false;
     bool m_bAcquiring = false;
     bool m_bShown = false;
     QTimer* m_pSampleTimer = nullptr;

@@ -79,6 +79,14 @@
         <source>Could not write %1: %2</source>
         <translation>%1 konnte nicht geschrieben werden: %2</translation>
     </message>
+    <message>
+        <source>Acquisition states</source>
+        <translation>Aufnahmezustände</translation>
+    </message>
+    <message>
+        <source>Also read the camera&apos;s acquisition states at every sample (more reads a sample)</source>
+        <translation>Bei jeder Abtastung auch die Aufnahmezustände der Kamera lesen (mehr Lesezugriffe je Abtastung)</translation>
+    </message>
 </context>
 <context>
     <name>TriggerMonitor</name>

@@ -4,6 +4,7 @@
 #include "TestCamera.h"
 #include "VcdWriter.h"
 
+#include <QCheckBox>
 #include <QLabel>
 #include <QPluginLoader>
 #include <QPushButton>
@@ -105,8 +106,9 @@ void tst_IOMonitor::scriptedLevelsGiveTraces_data()
     QTest::addColumn<QStringList>("traces");
     QTest::addColumn<QStringList>("writesPerSample");
 
-    QTest::newRow("LineStatusAll, one read") << "all" << QStringList{"010|10", "110|01", "xxx|01", "011|11"}
-                                             << QStringList{"01x0 1/1", "11x1 0/0", "00x1 1/0", "1001 1/1", "0111 1/0"}
+    QTest::newRow("LineStatusAll, one read") << "all" << QStringList{"010|10|1", "110|01|1", "xxx|01|0", "011|11|1"}
+                                             << QStringList{"01x0 1/1", "11x1 0/0", "00x1 1/0", "1001 1/1", "0111 1/0",
+                                                            "1101 1/1"}
                                              << QStringList{"AcquisitionStatusSelector=FrameTriggerWait",
                                                             "AcquisitionStatusSelector=AcquisitionActive"};
     // The walk reads Line1 first (the selector stands there) and a failed read
@@ -131,6 +133,8 @@ void tst_IOMonitor::scriptedLevelsGiveTraces()
     std::unique_ptr<TestCamera> cam = camera(source);
     QWidget parent;
     IOMonitorWidget page(cam->features(), &parent);
+    QCheckBox* states = page.findChild<QCheckBox*>("cb_States");
+    states->setChecked(true);
     cam->takeJournal();
     for (const QString& step : steps)
     {
@@ -148,6 +152,11 @@ void tst_IOMonitor::scriptedLevelsGiveTraces()
     QCOMPARE(page.traces().at(2)->kind(), QString("Output"));
     page.findChild<QPushButton*>("pb_Reset")->click();
     QCOMPARE(page.traces().at(0)->rising() + page.traces().at(0)->falling(), 0);
+    // Unless asked for, the states are not read: LineStatusAll is then the one call of a sample.
+    states->setChecked(false);
+    page.sampleNow();
+    QCOMPARE(cam->takeJournal(), source == "walk" ? writesPerSample : QStringList());
+    QCOMPARE(page.traces().at(3)->samples().size(), steps.size() + (source == "all" ? 0 : 1));
 }
 
 void tst_IOMonitor::triggerSentence_data()

@@ -275,8 +275,9 @@ private slots:
             }
             return static_cast<QLabel*>(nullptr);
         };
-        QLabel* acquiring = traceCell("AcquisitionActive", 2) ? traceCell("AcquisitionActive", 2) : traceCell("Acquiring", 2);
-        QTRY_VERIFY_WITH_TIMEOUT(acquiring && acquiring->styleSheet().contains("80, 220, 120"), 10000);
+        window.tabs()->widget(1)->findChild<QCheckBox*>("cb_States")->setChecked(true);
+        for (const char* row : {"AcquisitionActive", "Acquiring"}) // the camera's state, the viewer's
+            QTRY_VERIFY_WITH_TIMEOUT(traceCell(row, 2)->styleSheet().contains("80, 220, 120"), 10000);
         for (int flip = 0; value && status && flip < 2; ++flip)
         {
             const bool checked = status->isChecked();
