@@ -113,6 +113,11 @@ int ViewerWindow::buildPages()
     {
         QWidget* page = new QWidget;
         const TabExtensionResult result = plugin->get(m_features, *page, nullptr);
+        if (result == 4) // the plug-in does not serve this camera: no page, nothing to report
+        {
+            delete page;
+            continue;
+        }
         if (result != 0)
         {
             const QString problem = tr("%1 offers no tab for this camera (result %2)")

@@ -140,9 +140,11 @@ int main(int argc, char** argv)
     ViewerWindow window(&camera);
     if (window.addTabs(folders.plugins) == 0)
     {
-        say(stderr,
-            "triggerio-viewer: " +
-                QCoreApplication::translate("main", "no tab for this camera: %1").arg(window.problems().join("; ")));
+        say(stderr, "triggerio-viewer: " +
+                        (window.problems().isEmpty()
+                             ? QCoreApplication::translate("main", "no tab for this camera")
+                             : QCoreApplication::translate("main", "no tab for this camera: %1")
+                                   .arg(window.problems().join("; "))));
         return 3;
     }
     for (const QString& problem : window.problems())

@@ -105,7 +105,7 @@ private slots:
         QTest::newRow("a camera the tab does not serve")
             << QByteArray("<RegisterDescription><Category Name=\"Root\"><pFeature>Gain</pFeature></Category>"
                           "<Integer Name=\"Gain\"><Value>1</Value></Integer></RegisterDescription>")
-            << QStringList{TRIGGERIO_PLUGIN_FILE} << 3 << "offers no tab for this camera";
+            << QStringList{TRIGGERIO_PLUGIN_FILE} << 3 << "no tab for this camera";
         QTest::newRow("empty plug-in folder") << QByteArray() << none << 3 << "No tab plug-in";
         QTest::newRow("another IID only") << QByteArray() << QStringList{other} << 3 << "not TabExtensionInterface";
         QTest::newRow("another IID beside the tab")

@@ -145,5 +145,17 @@
         <source>cannot write %1</source>
         <translation>%1 lässt sich nicht schreiben</translation>
     </message>
+    <message>
+        <source>Show the page with this title first (&quot;I/O Monitor&quot;).</source>
+        <translation>Zuerst die Seite mit diesem Titel zeigen (&quot;E/A-Monitor&quot;).</translation>
+    </message>
+    <message>
+        <source>no tab for this camera</source>
+        <translation>kein Tab für diese Kamera</translation>
+    </message>
+    <message>
+        <source>no page %1</source>
+        <translation>keine Seite %1</translation>
+    </message>
 </context>
 </TS>
