@@ -40,7 +40,7 @@ public:
         bool inputMask = false;
     };
 
-    static const int Unknown = -1;
+    static constexpr int Unknown = -1;
 
     explicit LineSampler(const FeatureList& features);
 

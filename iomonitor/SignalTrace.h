@@ -13,7 +13,7 @@
 class SignalTrace
 {
 public:
-    static const int Unknown = -1;
+    static constexpr int Unknown = -1;
 
     struct Sample
     {

@@ -20,7 +20,7 @@ class TriggerMonitor
     Q_DECLARE_TR_FUNCTIONS(TriggerMonitor)
 
 public:
-    static const int Unknown = -1;
+    static constexpr int Unknown = -1;
 
     explicit TriggerMonitor(const FeatureList& features);
 
