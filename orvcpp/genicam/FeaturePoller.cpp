@@ -31,10 +31,12 @@ struct FeaturePoller::State
         bool known = false;    // read at least once
         bool dirty = false;    // something was written since the last reading
         bool ownWrite = false; // ... among them one through its own handle
-        // A change that found no observer to tell (all were unregistered for a
-        // moment, as the tab does on every tick): told at the next look after
-        // one registers again.
+        // A change that an observer missed while it was unregistered (a tab
+        // unregisters for the whole of its refresh, which takes seconds on a
+        // slow link, while another page stays registered): reported again at
+        // the next look after one registers.
         bool untold = false;
+        std::vector<std::weak_ptr<OrvCPP::IFeatureObserver>> away; // unregistered, not back yet
         bool observedWrite = false; // dirty by a write made while it was observed
         bool baseline = false;      // to be read without reporting (registered afresh)
         bool volatile_ = true;      // may change by itself (until known otherwise)
@@ -56,6 +58,8 @@ struct FeaturePoller::State
     std::thread::id threadId;
 
     static void run(std::shared_ptr<State> self);
+    // Whether an observer of the entry is unregistered now and still alive.
+    static bool someoneAway(Entry& entry);
     // Reads the observed features that need it; baselinesOnly: only those
     // registered afresh, whose reading is compared with nothing.
     void look(bool baselinesOnly);
@@ -186,12 +190,9 @@ void FeaturePoller::State::look(bool baselinesOnly)
         if (seen == entry.bySetting.end() && entry.bySetting.size() >= MaxSettings)
             entry.bySetting.clear();
         entry.bySetting[setting] = now;
-        // All observers gone while it was read (the tab unregisters them for
-        // the whole of its refresh, which takes seconds on a slow link): the
-        // change is told to the next ones that register.
-        if (changed && entry.observers.empty())
+        if (changed && someoneAway(entry))
             entry.untold = true;
-        else if (changed)
+        if (changed && !entry.observers.empty())
             changes.push_back({item.key, item.feature, entry.observers});
     }
     {
@@ -209,15 +210,26 @@ void FeaturePoller::State::look(bool baselinesOnly)
                 if (stop)
                     return;
                 auto it = entries.find(change.key);
-                if (it != entries.end() && it->second.observers.empty())
-                    it->second.untold = true; // all unregistered in the meantime: tell the next ones
-                if (it == entries.end() || std::find(it->second.observers.begin(), it->second.observers.end(),
-                                                     observer) == it->second.observers.end())
-                    continue; // unregistered in the meantime
+                if (it == entries.end())
+                    continue;
+                if (std::find(it->second.observers.begin(), it->second.observers.end(), observer) ==
+                    it->second.observers.end())
+                {
+                    it->second.untold = true; // unregistered in the meantime: told when it is back
+                    continue;
+                }
             }
             observer->FeatureChanged(feature);
         }
     }
+}
+
+bool FeaturePoller::State::someoneAway(Entry& entry)
+{
+    entry.away.erase(std::remove_if(entry.away.begin(), entry.away.end(),
+                                    [](const std::weak_ptr<OrvCPP::IFeatureObserver>& gone) { return gone.expired(); }),
+                     entry.away.end());
+    return !entry.away.empty();
 }
 
 FeaturePoller::FeaturePoller()
@@ -291,7 +303,11 @@ OrvErrorType FeaturePoller::registerObserver(const std::shared_ptr<GenICamFeatur
     // observed is still reported to the observers registered now (the tab
     // unregisters for a moment on every tick). Otherwise what was last seen
     // still holds.
-    if (observers.empty() && entry.untold)
+    entry.away.erase(std::remove_if(entry.away.begin(), entry.away.end(),
+                                    [&](const std::weak_ptr<OrvCPP::IFeatureObserver>& gone)
+                                    { return gone.expired() || gone.lock() == observer; }),
+                     entry.away.end());
+    if (entry.untold)
     {
         entry.dirty = true; // read at the next look and reported
         m_state->wake.notify_all();
@@ -327,6 +343,7 @@ OrvErrorType FeaturePoller::unregisterObserver(const GenICamFeature* feature, co
     // registration. A call to this observer in progress on the poller's thread
     // is not waited for: it holds the observer until it returns.
     observers.erase(found);
+    it->second.away.push_back(observer);
     m_state->countBaselines();
     return OrvErrorSuccess;
 }

@@ -30,7 +30,10 @@ class GenICamFeature;
 //   then (the write may have gone to another line);
 // - each feature's state is remembered per setting of the selector registers
 //   it is indexed by, and compared with the state last seen under the same
-//   setting (or, for a setting not seen before, with the last state).
+//   setting (or, for a setting not seen before, with the last state);
+// - a change found while one of a feature's observers was unregistered (a
+//   page refreshing itself, while another page stays registered) is reported
+//   again at the next look after that observer registers.
 // FeatureChanged runs on the poller's thread with no lock of the backend held.
 // The thread starts with the first registration.
 class FeaturePoller
