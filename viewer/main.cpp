@@ -1,6 +1,6 @@
 // triggerio-viewer: hosts the tab plug-ins for one camera.
 //
-//   triggerio-viewer [--camera ID] [--list] [--acquire] [--trigger-software]
+//   triggerio-viewer [--camera ID] [--list] [--acquire | --acquire-after MS] [--trigger-software]
 //                    [--page TITLE] [--screenshot FILE [--after MS]]
 //
 // ID is an Aravis device id or "fake:FILE.xml" (a GenICam model on the
@@ -75,6 +75,9 @@ int main(int argc, char** argv)
     QCommandLineOption listOption("list", QCoreApplication::translate("main", "List the cameras that can be opened."));
     QCommandLineOption acquireOption(
         "acquire", QCoreApplication::translate("main", "Start the acquisition when the window opens."));
+    QCommandLineOption acquireAfterOption(
+        "acquire-after", QCoreApplication::translate("main", "Start the acquisition MS milliseconds after the window opens."),
+        "MS");
     QCommandLineOption triggerOption(
         "trigger-software",
         QCoreApplication::translate("main", "Run the camera's software trigger once the acquisition has started."));
@@ -89,7 +92,8 @@ int main(int argc, char** argv)
     QCommandLineOption pageOption(
         "page", QCoreApplication::translate("main", "Show the page with this title first (\"I/O Monitor\")."), "TITLE");
     parser.addOptions(
-        {cameraOption, listOption, acquireOption, triggerOption, screenshotOption, afterOption, pageOption});
+        {cameraOption, listOption, acquireOption, acquireAfterOption, triggerOption, screenshotOption, afterOption,
+         pageOption});
     parser.process(*app);
 
     const QString cameras = folders.cameras;
@@ -165,10 +169,12 @@ int main(int argc, char** argv)
     window.resize(1100, 900);
     window.show();
 
-    if (parser.isSet(acquireOption))
-        QTimer::singleShot(0, window.acquireButton(), &QPushButton::click);
+    const int acquireAt = parser.isSet(acquireAfterOption) ? qMax(0, parser.value(acquireAfterOption).toInt()) : 0;
+    const bool acquire = parser.isSet(acquireOption) || parser.isSet(acquireAfterOption);
+    if (acquire)
+        QTimer::singleShot(acquireAt, window.acquireButton(), &QPushButton::click);
     if (parser.isSet(triggerOption))
-        QTimer::singleShot(parser.isSet(acquireOption) ? TriggerDelayMs : 0, &window, &ViewerWindow::triggerSoftware);
+        QTimer::singleShot(acquire ? acquireAt + TriggerDelayMs : 0, &window, &ViewerWindow::triggerSoftware);
 
     QTimer shot;
     int waited = 0;

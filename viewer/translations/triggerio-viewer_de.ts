@@ -157,5 +157,9 @@
         <source>no page %1</source>
         <translation>keine Seite %1</translation>
     </message>
+    <message>
+        <source>Start the acquisition MS milliseconds after the window opens.</source>
+        <translation>Die Aufnahme MS Millisekunden nach dem Öffnen des Fensters starten.</translation>
+    </message>
 </context>
 </TS>
