@@ -14,9 +14,12 @@
 #include <QThread>
 
 #include <signal.h>
+#include <sys/prctl.h>
 
 // A GenICam model served by Aravis's fake GigE Vision camera on 127.0.0.1.
-// The server is stopped when this object goes, whatever the test did.
+// The server is stopped when this object goes, whatever the test did, and
+// with the process that started it, should that one end without cleaning up
+// (a test that aborts would otherwise leave the port taken).
 class FakeGigEServer
 {
 public:
@@ -98,7 +101,16 @@ public:
     }
 
 private:
-    QProcess m_process;
+    class ServerProcess : public QProcess
+    {
+    protected:
+        void setupChildProcess() override
+        {
+            ::prctl(PR_SET_PDEATHSIG, SIGTERM);
+        }
+    };
+
+    ServerProcess m_process;
     QByteArray m_serial;
 };
 

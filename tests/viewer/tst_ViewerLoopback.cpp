@@ -250,20 +250,31 @@ private slots:
         QCheckBox* value = nullptr;
         QCheckBox* status = nullptr;
         QString driven; // the line's name
-        for (int row = 1; grid && row < grid->rowCount() && !value; ++row)
-        {
-            QLayoutItem* source = grid->itemAtPosition(row, 1);
-            QComboBox* combo = source ? qobject_cast<QComboBox*>(source->widget()) : nullptr;
-            if (combo && combo->currentText().contains("UserOutput"))
+        auto findDriven = [&] { // again after each refresh: a reported "LineMode" rebuilds the rows
+            value = status = nullptr;
+            for (int row = 1; row < grid->rowCount() && !value; ++row)
             {
-                driven = qobject_cast<QLabel*>(grid->itemAtPosition(row, 0)->widget())->text().remove(": ");
-                value = qobject_cast<QCheckBox*>(grid->itemAtPosition(row, 5)->widget());
-                status = qobject_cast<QCheckBox*>(grid->itemAtPosition(row, 3)->widget());
+                QLayoutItem* source = grid->itemAtPosition(row, 1);
+                QComboBox* combo = source ? qobject_cast<QComboBox*>(source->widget()) : nullptr;
+                if (combo && combo->currentText().contains("UserOutput"))
+                {
+                    driven = qobject_cast<QLabel*>(grid->itemAtPosition(row, 0)->widget())->text().remove(": ");
+                    value = qobject_cast<QCheckBox*>(grid->itemAtPosition(row, 5)->widget());
+                    status = qobject_cast<QCheckBox*>(grid->itemAtPosition(row, 3)->widget());
+                }
             }
-        }
+            return status && status->isChecked();
+        };
+        findDriven();
         QCOMPARE(value && status, userOutputs);
-        // Each flip shows as an edge of the line on the I/O Monitor, shown meanwhile, while its
-        // acquisition row is high.
+        for (int flip = 0; value && status && flip < 2; ++flip)
+        {
+            const bool before = status->isChecked();
+            value->click();
+            QTRY_COMPARE_WITH_TIMEOUT(findDriven(), !before, 20000);
+        }
+        // On the I/O Monitor, shown meanwhile (the tab, hidden, refreshes nothing), each
+        // flip is one edge of the line's trace, and the acquisition rows are high.
         window.tabs()->setCurrentIndex(1);
         QGridLayout* traces = window.tabs()->widget(1)->findChild<QGridLayout*>("grid_Lines");
         auto traceCell = [traces](const QString& name, int column) {
@@ -278,23 +289,18 @@ private slots:
         window.tabs()->widget(1)->findChild<QCheckBox*>("cb_States")->setChecked(true);
         for (const char* row : {"AcquisitionActive", "Acquiring"}) // the camera's state, the viewer's
             QTRY_VERIFY_WITH_TIMEOUT(traceCell(row, 2)->styleSheet().contains("80, 220, 120"), 10000);
-        for (int flip = 0; value && status && flip < 2; ++flip)
+        QLabel* edges = value ? traceCell(driven, 4) : nullptr;
+        auto counted = [edges] { // "↑2 ↓1" is 3 edges
+            int sum = 0;
+            for (const QString& number : edges->text().split(QRegularExpression("\\D+"), Qt::SkipEmptyParts))
+                sum += number.toInt();
+            return sum;
+        };
+        for (int flip = 0; edges && flip < 2; ++flip)
         {
-            const bool checked = status->isChecked();
-            QLabel* edges = traceCell(driven, 4);
-            QVERIFY(edges);
-            auto counted = [edges] { // "↑2 ↓1" is 3 edges
-                int sum = 0;
-                for (const QString& number : edges->text().split(QRegularExpression("\\D+"), Qt::SkipEmptyParts))
-                    sum += number.toInt();
-                return sum;
-            };
             const int before = counted();
             value->click();
             QTRY_COMPARE_WITH_TIMEOUT(counted(), before + 1, 10000);
-            window.tabs()->setCurrentIndex(0); // the tab refreshes while shown
-            QTRY_COMPARE_WITH_TIMEOUT(status->isChecked(), !checked, 20000);
-            window.tabs()->setCurrentIndex(1);
         }
         window.tabs()->setCurrentIndex(0);
 
