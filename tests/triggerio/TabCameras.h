@@ -15,11 +15,15 @@
 //             a level mask "SyncOutLevels"
 //   lineout   no exposure control, "FallinEdge" offered; "LineOut..." outputs
 //             with "LineOutLevels"
+//   mixed     output lines through "LineSelector", Line2 and Line3 switchable,
+//             and sync outputs "SyncOut..." beside them
+//   both      the sync outputs under both names, "SyncOut..." read-only and
+//             differing from "LineOut..." in selector, source, polarity, levels
 // All start with the trigger off, acquisition "SingleFrame", frame count 1.
 namespace TabCameras
 {
 
-const QStringList Names{"routing", "expmode", "syncout", "lineout"};
+const QStringList Names{"routing", "expmode", "syncout", "lineout", "mixed", "both"};
 
 void build(TestCam::TestCamera& cam, const QString& name);
 

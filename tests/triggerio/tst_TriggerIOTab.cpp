@@ -4,10 +4,12 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSpinBox>
+#include <QTimer>
 #include <QtTest>
 
 #include <functional>
@@ -24,6 +26,8 @@ class tst_TriggerIOTab : public QObject
 private slots:
     void scenario_data();
     void scenario();
+    void refreshOne_data();
+    void refreshOne();
 
 private:
     ReviewedRecord m_record{TRIGGERIO_TESTS_DIR "/triggerio/tab-journals.txt"};
@@ -33,6 +37,10 @@ namespace
 {
 
 using Action = std::function<void(TabAccess&, TestCamera&)>;
+
+// What a scenario shows beyond the view, and writes taken from the journal
+// while a preset ran, each pass of the event loop after a write marked.
+QStringList g_shown, g_taken;
 
 // Picks the last entry of a combo box (a real change when it has two or more).
 void pickLast(QComboBox* combo)
@@ -47,9 +55,29 @@ void toggle(QCheckBox* box)
         box->setChecked(!box->isChecked());
 }
 
-// Values changed on the camera behind the tab's back, then one tick over every
-// observed name: the tab shows them and writes nothing it is not meant to.
-void cameraChanges(TabAccess& tab, TestCamera& cam)
+QString show(QWidget* w)
+{
+    QString text;
+    if (auto* combo = qobject_cast<QComboBox*>(w))
+    {
+        QStringList items;
+        for (int i = 0; i < combo->count(); ++i)
+            items << combo->itemText(i);
+        text = combo->currentText() + " [" + items.join(",") + "]";
+    }
+    else if (auto* box = qobject_cast<QCheckBox*>(w))
+        text = box->isChecked() ? "checked" : "unchecked";
+    else if (auto* spin = qobject_cast<QSpinBox*>(w))
+        text = QString("%1 (%2..%3)").arg(spin->value()).arg(spin->minimum()).arg(spin->maximum());
+    else if (auto* label = qobject_cast<QLabel*>(w))
+        text = label->text();
+    else if (auto* edit = qobject_cast<QLineEdit*>(w))
+        text = edit->text();
+    return text + (w->isEnabled() ? "" : " disabled") + (w->isHidden() ? " hidden" : "");
+}
+
+// Values changed on the camera behind the tab's back.
+void changeCamera(TestCamera& cam)
 {
     cam.set("TriggerSource", "Software");
     cam.set("TriggerActivation", "FallingEdge");
@@ -69,7 +97,57 @@ void cameraChanges(TabAccess& tab, TestCamera& cam)
     cam.set("LineOutPolarity", "Invert", "SyncOut2");
     cam.set("SyncOutLevels", 5);
     cam.set("LineOutLevels", 2);
+}
+
+// Then one tick over every observed name: the tab shows them and writes
+// nothing it is not meant to.
+void cameraChanges(TabAccess& tab, TestCamera& cam)
+{
+    changeCamera(cam);
     tab.refresh(tab.m_ObservedFeatures);
+}
+
+// Clicks a preset button with a zero timer running, which marks in the
+// journal where the preset lets events run.
+void clickMarked(QPushButton* button, TestCamera& cam)
+{
+    QTimer marker;
+    QObject::connect(&marker, &QTimer::timeout,
+                     [&]
+                     {
+                         const QStringList writes = cam.takeJournal();
+                         if (!writes.isEmpty())
+                             g_taken << writes << "(events)";
+                     });
+    marker.start(0);
+    button->click();
+}
+
+// Text and size limits of every widget in the tab (the combo boxes' pop-ups
+// and Qt's inner widgets left out).
+QStringList layout(QWidget& tab)
+{
+    QStringList lines;
+    for (QWidget* w : tab.findChildren<QWidget*>(QRegularExpression("^(?!qt_)")))
+    {
+        const auto* group = qobject_cast<QGroupBox*>(w);
+        const auto* button = qobject_cast<QPushButton*>(w);
+        if (w->window() != &tab)
+            continue;
+        lines << QString("| %1 %2%3%4 %5x%6..%7x%8")
+                     .arg(w->metaObject()->className(), group ? group->title() : QString(),
+                          button ? QString("%1 icon %2x%3 ")
+                                       .arg(button->text())
+                                       .arg(button->iconSize().width())
+                                       .arg(button->iconSize().height())
+                                 : QString(),
+                          show(w))
+                     .arg(w->minimumWidth())
+                     .arg(w->minimumHeight())
+                     .arg(w->maximumWidth())
+                     .arg(w->maximumHeight());
+    }
+    return lines;
 }
 
 const QList<QPair<QString, Action>>& scenarios()
@@ -77,21 +155,27 @@ const QList<QPair<QString, Action>>& scenarios()
     static const QList<QPair<QString, Action>> list{
         {"build", [](TabAccess&, TestCamera&) {}},
         {"camera changes", cameraChanges},
-        {"sync levels changed alone",
-         [](TabAccess& t, TestCamera& cam)
-         {
-             cam.set("SyncOutLevels", 5);
-             t.refresh({"SyncOutLevels"});
-         }},
-        {"line-out levels changed alone",
-         [](TabAccess& t, TestCamera& cam)
-         {
-             cam.set("LineOutLevels", 2);
-             t.refresh({"LineOutLevels"});
-         }},
         {"edge", [](TabAccess& t, TestCamera&) { t.m_pButtonEdge->click(); }},
         {"level", [](TabAccess& t, TestCamera&) { t.m_pButtonLevel->click(); }},
         {"bulk", [](TabAccess& t, TestCamera&) { t.m_pButtonBulk->click(); }},
+        {"edge after camera changes",
+         [](TabAccess& t, TestCamera& cam)
+         {
+             cameraChanges(t, cam);
+             clickMarked(t.m_pButtonEdge, cam);
+         }},
+        {"level after camera changes",
+         [](TabAccess& t, TestCamera& cam)
+         {
+             cameraChanges(t, cam);
+             clickMarked(t.m_pButtonLevel, cam);
+         }},
+        {"bulk after camera changes",
+         [](TabAccess& t, TestCamera& cam)
+         {
+             cameraChanges(t, cam);
+             clickMarked(t.m_pButtonBulk, cam);
+         }},
         {"level then bulk",
          [](TabAccess& t, TestCamera&)
          {
@@ -140,33 +224,19 @@ const QList<QPair<QString, Action>>& scenarios()
              t.refresh(t.m_ObservedFeatures);
          }},
         {"streaming", [](TabAccess& t, TestCamera&) { t.camIsStreaming(true); }},
+        {"layout",
+         [](TabAccess& t, TestCamera&)
+         {
+             pickLast(t.m_OptionalOutCombos.value(0));
+             t.refresh({"LineMode"});
+             g_shown = layout(t);
+         }},
     };
     return list;
 }
 
-QString show(QWidget* w)
-{
-    QString text;
-    if (auto* combo = qobject_cast<QComboBox*>(w))
-    {
-        QStringList items;
-        for (int i = 0; i < combo->count(); ++i)
-            items << combo->itemText(i);
-        text = combo->currentText() + " [" + items.join(",") + "]";
-    }
-    else if (auto* box = qobject_cast<QCheckBox*>(w))
-        text = box->isChecked() ? "checked" : "unchecked";
-    else if (auto* spin = qobject_cast<QSpinBox*>(w))
-        text = QString("%1 (%2..%3)").arg(spin->value()).arg(spin->minimum()).arg(spin->maximum());
-    else if (auto* label = qobject_cast<QLabel*>(w))
-        text = label->text();
-    else if (auto* edit = qobject_cast<QLineEdit*>(w))
-        text = edit->text();
-    return text + (w->isEnabled() ? "" : " disabled") + (w->isHidden() ? " hidden" : "");
-}
-
 // What the tab shows, control by control, and where the camera's selectors stand.
-QStringList view(TabAccess& tab, TestCamera& cam)
+QStringList view(TabAccess& tab, TestCamera& cam, bool swTrigger = false)
 {
     const QList<QPair<QString, QWidget*>> controls{{"trigger selector", tab.m_pComboTriggerSelector},
                                                    {"trigger source", tab.m_pComboTriggerSource},
@@ -184,7 +254,8 @@ QStringList view(TabAccess& tab, TestCamera& cam)
                                                    {"source caption", tab.m_pLabelOutSource},
                                                    {"invert caption", tab.m_pLabelOutInvert},
                                                    {"levels", tab.m_pEditSyncLevels},
-                                                   {"hint", tab.findChild<QLabel*>("l_notAcquireHint")}};
+                                                   {"hint", tab.findChild<QLabel*>("l_notAcquireHint")},
+                                                   {"sw trigger", swTrigger ? tab.m_pButtonSWTrigger : nullptr}};
     QStringList lines;
     for (const auto& control : controls)
         if (control.second)
@@ -234,11 +305,48 @@ void tst_TriggerIOTab::scenario()
         if (index > 0)
             cam.takeJournal();
         scenarios().at(index).second(tab, cam);
-        for (const QString& write : cam.takeJournal())
+        for (const QString& write : std::exchange(g_taken, {}) + cam.takeJournal())
             lines << "> " + write;
-        lines += view(tab, cam);
+        lines += view(tab, cam) + std::exchange(g_shown, {});
     }
     QCOMPARE(lines, m_record.take(name, lines));
+}
+
+void tst_TriggerIOTab::refreshOne_data()
+{
+    QTest::addColumn<QString>("camera");
+    QTest::addColumn<QString>("feature");
+    TestCamera cam;
+    TabCameras::build(cam, "routing");
+    for (const QString& camera : TabCameras::Names)
+        for (const QString& feature : TabAccess(cam.features(), nullptr).m_ObservedFeatures)
+            QTest::newRow(qPrintable(camera + " / refresh " + feature)) << camera << feature;
+}
+
+// The camera changes (the trigger selector and the list of user outputs too),
+// then a tick on one name: the writes, and what the refresh of that name alone
+// changed in the view.
+void tst_TriggerIOTab::refreshOne()
+{
+    QFETCH(QString, camera);
+    QFETCH(QString, feature);
+    TestCamera cam;
+    TabCameras::build(cam, camera);
+    TabAccess tab(cam.features(), nullptr);
+    tab.m_pUpdateTimer->stop();
+    const QStringList before = view(tab, cam, true);
+    cam.set("TriggerSelector", "AcquisitionStart");
+    changeCamera(cam);
+    cam.fail("UserOutputSelector", "GetValues", OrvErrorTimeout); // its list now unreadable
+    cam.takeJournal();
+    tab.refresh({feature});
+    QStringList lines;
+    for (const QString& write : cam.takeJournal())
+        lines << "> " + write;
+    for (const QString& line : view(tab, cam, true))
+        if (!before.contains(line))
+            lines << line;
+    QCOMPARE(lines, m_record.take(camera + " / refresh " + feature, lines));
 }
 
 QTEST_MAIN(tst_TriggerIOTab)
