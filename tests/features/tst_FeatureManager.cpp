@@ -87,9 +87,6 @@ const QList<Call>& calls()
         CALL(GetIsFeatureAvailable("Missing", "", "Bool")),
         CALL(GetFeatureName({"Missing", "String", "Enum"})),
         CALL(GetDisplayName("Missing", "Enum")),
-        CALL(GetDisplayName("Bool", "", "Enum")),
-        CALL(GetDisplayName(QStringList{"Missing", "Bool", "Enum"})),
-        CALL(GetStringValue("Enum", "String")),
 
         CALL(GetIsFeatureWritable("ReadOnlyInt")),
         CALL(GetIsWritable("Missing", "", "Bool")),

@@ -85,26 +85,24 @@ void build(TestCamera& cam, const QString& name)
         cam.addEnum("ExposureAuto", {"Off", "Once", "Continuous", "other"}, "Continuous");
         cam.addEnum("ExposureMode", {"Timed", "TriggerWidth"}, "Timed");
     }
-    else if (name == "lineout")
+    else if (name == "lineout" || name == "both")
     {
         addTrigger(cam, {"FrameStart", "AcquisitionStart"}, {"Software", "Line0", "Line1", "InputLines"},
                    {"RisingEdge", "FallingEdge", "FallinEdge", "LowLevel", "LevelLow"});
         cam.addEnum("ExposureAuto", {"Off", "Continuous"}, "Off");
         addSyncOuts(cam, "LineOut", 2);
+        if (name == "both")
+        {
+            addSyncOuts(cam, "SyncOut", 3, "Readout", "Invert", false);
+            cam.set("LineOutSelector", "SyncOut2");
+            cam.set("SyncOutLevels", 5);
+        }
     }
     else if (name == "mixed")
     {
         addTrigger(cam, {"FrameStart", "AcquisitionStart"}, {"Software", "Line0"}, {"RisingEdge", "FallingEdge"});
         addLines(cam, {"Input", "Output", "Switch", "Switch"}, true);
         addSyncOuts(cam, "SyncOut", 2);
-    }
-    else if (name == "both")
-    {
-        addTrigger(cam, {"FrameStart", "AcquisitionStart"}, {"Software", "Line1"}, {"RisingEdge", "FallingEdge"});
-        addSyncOuts(cam, "LineOut", 2);
-        addSyncOuts(cam, "SyncOut", 3, "Readout", "Invert", false);
-        cam.set("LineOutSelector", "SyncOut2");
-        cam.set("SyncOutLevels", 5);
     }
 }
 

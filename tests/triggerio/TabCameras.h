@@ -5,11 +5,11 @@
 
 #include <QStringList>
 
-// In-memory cameras of every family the Trigger IO tab serves, with the write
-// journal the tab tests compare (build() tells what each has). All start with
-// the trigger off, acquisition "SingleFrame", frame count 1. "mixed" has sync
-// outputs beside its output lines; "both" has the sync outputs under both
-// names, which differ in selector, source, polarity, levels and writability.
+// In-memory cameras of every family the Trigger IO tab serves (build() tells
+// what each has); all start with the trigger off, acquisition "SingleFrame",
+// frame count 1. "mixed" has sync outputs beside its output lines; "both" is
+// "lineout" with the sync outputs under their other names too, differing in
+// every value and in writability.
 namespace TabCameras
 {
 

@@ -8,7 +8,6 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSpinBox>
-#include <QTimer>
 #include <QtTest>
 
 #include <functional>
@@ -16,8 +15,8 @@
 using TestCam::TestCamera;
 
 // Every scenario on every camera family: the writes the camera receives, in
-// order, and what the tab shows afterwards, compared with the reviewed record
-// in tab-journals.txt.
+// order, and what the tab shows afterwards, compared with the reviewed record in
+// tab-journals.txt.
 class tst_TriggerIOTab : public QObject
 {
     Q_OBJECT
@@ -35,8 +34,7 @@ namespace
 
 using Action = std::function<void(TabAccess&, TestCamera&)>;
 
-// What a scenario shows instead of the view, and the writes taken from the
-// journal while a preset ran.
+// Shown instead of the view; writes taken from the journal while a preset ran.
 QStringList g_shown, g_taken;
 
 // Picks the last entry of a combo box (a real change when it has two or more).
@@ -73,8 +71,7 @@ QString show(QWidget* w)
     return text + (w->isEnabled() ? "" : " disabled") + (w->isHidden() ? " hidden" : "");
 }
 
-// What the tab shows, control by control, and where the camera's selectors
-// stand.
+// What the tab shows, control by control, and where the camera's selectors stand.
 QStringList view(TabAccess& tab, TestCamera& cam)
 {
     const QList<QPair<QString, QWidget*>> controls{{"trigger selector", tab.m_pComboTriggerSelector},
@@ -187,8 +184,7 @@ void layout(TabAccess& t, TestCamera&)
     t.refresh({"LineMode"});
     for (QWidget* w : t.findChildren<QWidget*>(QRegularExpression("^(?!qt_)")))
     {
-        const auto* button = qobject_cast<QPushButton*>(w);
-        const QSize icon = button ? button->iconSize() : QSize();
+        const QSize icon = w->property("iconSize").toSize();
         if (w->window() == &t)
             g_shown << QString::asprintf("| %s %s %dx%d..%dx%d icon %dx%d", w->metaObject()->className(),
                                          qPrintable(show(w)), w->minimumWidth(), w->minimumHeight(), w->maximumWidth(),
