@@ -22,9 +22,10 @@
 # The loopback viewer test, the installed viewer and the host example are left
 # out (PLANT_EXCLUDE): the in-process suites catch every fault here, and those
 # three cost the most. The tests run in three rounds, each only when the one
-# before passed: the tab and FeatureManager record suites (a second or two),
+# before passed: the tab and FeatureManager record suites (a few seconds),
 # the other fast suites, then the soak and the random descriptions; ctest stops
-# at the first failure. A caught fault costs a rebuild and a few seconds.
+# at the first failure. A caught fault costs a rebuild and a few seconds; its
+# log (/tmp/plant-ID.log) names the failing test rows.
 set -uo pipefail
 cd "$(dirname "$0")/.."
 build=${1:-build}
@@ -299,7 +300,7 @@ run_tests() { # log file
             [[ $test == tst_* ]] && targets+=("$test") || { targets=(all); break; }
         done
         cmake --build "$build" -j"$jobs" --target "${targets[@]}" >/tmp/plant-build.log 2>&1 || return 2
-        (cd "$build" && ctest -R "^($group)\$" -j"$jobs" --stop-on-failure --timeout "$timeout") >>"$1" 2>&1 || return 1
+        (cd "$build" && ctest -R "^($group)\$" -j"$jobs" --stop-on-failure --output-on-failure --timeout "$timeout") >>"$1" 2>&1 || return 1
     done
 }
 

@@ -139,33 +139,34 @@ void cameraChanges(TabAccess& tab, TestCamera& cam, const QStringList& names = {
     tab.refresh(names.isEmpty() ? tab.m_ObservedFeatures : names);
 }
 
-// The camera changes, then a preset with a zero timer running that marks each
-// pass of the event loop after a write: where the preset lets events run.
+// The camera changes, then a preset with a self-reposting queued call marking each
+// event-loop pass after a write (a zero timer would fire only at idle priority).
 Action afterChanges(QPushButton* TabAccess::*button)
 {
     return [button](TabAccess& t, TestCamera& cam)
     {
         cameraChanges(t, cam);
-        QTimer marker;
-        QObject::connect(&marker, &QTimer::timeout,
-                         [&]
-                         {
-                             if (!(g_taken += cam.takeJournal()).isEmpty() && g_taken.last() != "(events)")
-                                 g_taken << "(events)";
-                         });
-        marker.start(0);
+        QObject context; // its pending call goes with it
+        std::function<void()> mark = [&]
+        {
+            if (!(g_taken += cam.takeJournal()).isEmpty() && g_taken.last() != "(events)")
+                g_taken << "(events)";
+            QMetaObject::invokeMethod(&context, mark, Qt::QueuedConnection);
+        };
+        QMetaObject::invokeMethod(&context, mark, Qt::QueuedConnection);
         (t.*button)->click();
     };
 }
 
-// The camera changes (the trigger selector and the list of user outputs too),
-// then a tick on one name: what the refresh of that name changed in the view.
+// The camera changes (the trigger and line selectors and the list of user
+// outputs too), then a tick on one name: what its refresh changed in the view.
 Action refreshOnly(const QString& name)
 {
     return [name](TabAccess& t, TestCamera& cam)
     {
         const QStringList before = view(t, cam);
         cam.set("TriggerSelector", "AcquisitionStart");
+        cam.set("LineSelector", "Line2");
         cam.fail("UserOutputSelector", "GetValues", OrvErrorTimeout);
         cameraChanges(t, cam, {name});
         for (const QString& line : view(t, cam))
@@ -183,13 +184,11 @@ void layout(TabAccess& t, TestCamera&)
     pickLast(t.m_OptionalOutCombos.value(0));
     t.refresh({"LineMode"});
     for (QWidget* w : t.findChildren<QWidget*>(QRegularExpression("^(?!qt_)")))
-    {
-        const QSize icon = w->property("iconSize").toSize();
         if (w->window() == &t)
             g_shown << QString::asprintf("| %s %s %dx%d..%dx%d icon %dx%d", w->metaObject()->className(),
                                          qPrintable(show(w)), w->minimumWidth(), w->minimumHeight(), w->maximumWidth(),
-                                         w->maximumHeight(), icon.width(), icon.height());
-    }
+                                         w->maximumHeight(), w->property("iconSize").toSize().width(),
+                                         w->property("iconSize").toSize().height());
 }
 
 const QList<QPair<QString, Action>>& scenarios()
