@@ -179,8 +179,9 @@ Action refreshOnly(const QString& name)
 // A line switched to an output (the outputs rebuilt), then the text and size
 // limits of every widget in the tab (not the combo boxes' pop-ups, nor Qt's
 // inner widgets).
-void layout(TabAccess& t, TestCamera&)
+void layout(TabAccess& t, TestCamera& cam)
 {
+    cam.set("LineSource", "Direct", "Line2"); // its status box editable once it is an output
     pickLast(t.m_OptionalOutCombos.value(0));
     t.refresh({"LineMode"});
     for (QWidget* w : t.findChildren<QWidget*>(QRegularExpression("^(?!qt_)")))
