@@ -3,49 +3,272 @@
 # suite and tells which faults the suite catches. A fault the suite lets
 # through marks a hole in the tests. The tree is restored after every fault.
 #
-#   scripts/plant-faults.sh [BUILD_DIR] [ctest -R regex] [fault id...]
+#   scripts/plant-faults.sh [BUILD_DIR] [ctest -R regex] [fault id or kind...]
 #
-# BUILD_DIR must be a configured build of this tree (default: build).
+# BUILD_DIR must be a configured build of this tree (default: build). With
+# PLANT_CHECK=1 each fault is only planted and taken out again (no build, no
+# tests): a quick check that every fault's text is still there. Without
+# ids or kinds every fault is planted; "scripts/plant-faults.sh build . restore"
+# plants those of one kind.
+#
+# Every fault breaks one rule alone, and every rule of the tables the tab and
+# the backend run by has one: each name of the refresh dispatch (dispatch),
+# each step of each preset variant (preset-step), each quirky literal the tab
+# keeps as it is (literal), each size the tab computes (size), each lookup of a
+# feature by alternative names, its order turned round (alt-order), each
+# selector walk's restore, dropped or moved (restore), each condition that
+# limits a write to the rows it concerns (row-limit), and some more (other).
+#
+# The loopback viewer test, the installed viewer and the host example are left
+# out (PLANT_EXCLUDE): the in-process suites catch every fault here, and those
+# three cost the most. The tests run in three rounds, each only when the one
+# before passed: the tab and FeatureManager record suites (a few seconds),
+# the other fast suites, then the soak and the random descriptions; ctest stops
+# at the first failure. A caught fault costs a rebuild and a few seconds; its
+# log (/tmp/plant-ID.log) names the failing test rows.
 set -uo pipefail
 cd "$(dirname "$0")/.."
 build=${1:-build}
 filter=${2:-.}
 shift 2 2>/dev/null || shift $#
 only=" $* "
+exclude=${PLANT_EXCLUDE:-^(tst_viewerloopback|viewer_install|host_example)\$}
+first='^(tst_triggeriotab|tst_featuremanager)$'
+slow='^(tst_soak|tst_random_descriptions)$'
+jobs=${PLANT_JOBS:-2}
+# A fault that makes a suite hang costs this many seconds (the slowest suite passes in some 20).
+timeout=${PLANT_TIMEOUT:-120}
 
-# id ~ file ~ text ~ replaced by ~ what the fault is (\n for a line break)
+# id ~ kind ~ file[@anchor] ~ text ~ replaced by ~ what the fault is. "\n" is a
+# line break. The text must occur once in the file; with an anchor, its first
+# occurrence after the anchor is replaced (for the steps the preset tables repeat).
 faults=$(cat <<'LIST'
-out-restore~triggerio/IOTriggerWidgetOutputs.cpp~                     enableStatusBox(*row, true);\n                     return true;~                     enableStatusBox(*row, true);\n                     return i + 1 < m_OutputRows.size();~the status refresh leaves LineSelector on the last row
-src-restore~triggerio/IOTriggerWidgetOutputs.cpp~updateComboBox("LineSource", row->m_pComboSource.data(), true);\n                         enableStatusBox(*row, true);\n                         enableUserValueBox(*row);\n                         return true;~updateComboBox("LineSource", row->m_pComboSource.data(), true);\n                         enableStatusBox(*row, true);\n                         enableUserValueBox(*row);\n                         return i + 1 < m_OutputRows.size();~the source refresh leaves LineSelector moved
-polarity~triggerio/IOTriggerWidgetOutputs.cpp~setChecked(polarity == "Invert")~setChecked(polarity == "Normal")~sync-out polarity shown the wrong way round
-invert-write~triggerio/IOTriggerWidgetOutputs.cpp~m_pCBInvert->isChecked() ? 1.0 : 0.0~m_pCBInvert->isChecked() ? 0.0 : 1.0~LineInverter written inverted
-mask-bit~triggerio/IOTriggerWidgetOutputs.cpp~mask |= quint32(1) << (i % 32);~mask |= quint32(1) << (i % 32 + 1);~level mask bit off by one
-sync-source-all~triggerio/IOTriggerWidgetOutputs.cpp~                         if (source == text)~                         if (!text.isEmpty())~sync-out source written to every row
-levels-read~triggerio/IOTriggerWidgetUserOutputs.cpp~((levels >> (i % 64)) & 1) != 0~((levels >> (i % 64)) & 2) != 0~level mask read with the wrong bit
-userout-restore~triggerio/IOTriggerWidgetUserOutputs.cpp~<< "Error: SetValue(UserOutputValue) retValue == ''";\n                     }\n                     return true;~<< "Error: SetValue(UserOutputValue) retValue == ''";\n                     }\n                     return false;~UserOutputSelector not restored after a user value write
-userout-shared~triggerio/IOTriggerWidgetUserOutputs.cpp~            SetOnCBOutUserValueChanged(j, state);~            ;~lines sharing a user output are not written
-selout-restore~triggerio/IOTriggerWidgetSelectableOutputs.cpp~updateComboBox("LineMode", m_OptionalOutCombos.at(i), false);\n                     return true;~updateComboBox("LineMode", m_OptionalOutCombos.at(i), false);\n                     return i + 1 < m_OptionalOutCombos.size();~selectable-output refresh leaves LineSelector moved
-routing~triggerio/IOTriggerWidgetTriggerInput.cpp~state < 1 ? QString("Off") : QString("Trigger")~state < 1 ? QString("Trigger") : QString("Off")~line routing written the wrong way round
-framecount~triggerio/IOTriggerWidgetTriggerInput.cpp~SetValue("AcquisitionFrameCount", static_cast<double>(value))~SetValue("AcquisitionFrameCount", static_cast<double>(value + 1))~frame count written off by one
-edge-activation~triggerio/IOTriggerWidgetQuickSettings.cpp~pick(Activation, "FallingEdge"),\n    pick(InputLine, "Line0"),~pick(Activation, "RisingEdge"),\n    pick(InputLine, "Line0"),~edge preset on a routing camera picks the wrong activation
-bulk-quirk~triggerio/IOTriggerWidgetQuickSettings.cpp~pick(Activation, "FallinEdge"),\n    pick(TriggerSelector, "AcquisitionStart"),~pick(Activation, "FallingEdge"),\n    pick(TriggerSelector, "AcquisitionStart"),~bulk preset's misspelt activation "fixed"
-edge-order~triggerio/IOTriggerWidgetQuickSettings.cpp~    step(CheckRouting),\n    pick(AcquisitionMode, "Continuous"),\n    pick(TriggerMode, "On"),~    step(CheckRouting),\n    pick(TriggerMode, "On"),\n    pick(AcquisitionMode, "Continuous"),~edge preset switches the trigger on before the acquisition mode
-dispatch-status~triggerio/IOTriggerWidget.cpp~if (changed.contains("LineStatus"))~if (changed.contains("LineStatu"))~a LineStatus change refreshes nothing
-dispatch-quirk~triggerio/IOTriggerWidget.cpp~changed.contains("LineOutlevels")~changed.contains("LineOutLevels")~misspelt refresh name "fixed"
-changed-once~tabbase/BaseTabPluginWidget.cpp~    if (!m_pChangedFeatures->contains(name))\n        m_pChangedFeatures->append(name);~    m_pChangedFeatures->append(name);~a name notified twice is queued twice
-tick-reregister~tabbase/BaseTabPluginWidget.cpp~    updateInit();\n    RegisterFeatureObserver(false);~    updateInit();~the tick leaves the observer unregistered
-alt-name~features/FeatureManager.cpp~    if (!feature && !alt1.isEmpty())\n        feature = GetFeatureByName(alt1);\n    return feature;~    return feature;~the second name alternative is never tried
-grid-max~features/FeatureManager.cpp~std::floor((maximum - minimum) / increment * 1.000000000001)~std::ceil((maximum - minimum) / increment)~a maximum off the increment grid is rounded up
-gc-locked~orvcpp/genicam/GenICamFeature.cpp~return available && implemented && !locked ? OrvErrorSuccess : OrvErrorInvalidAccess;~return available && implemented ? OrvErrorSuccess : OrvErrorInvalidAccess;~a locked GenICam feature accepts writes
-gc-notify~orvcpp/genicam/FeaturePoller.cpp~            observer->FeatureChanged(feature);~            (void)observer;~the backend never notifies
-observer-left~tabbase/BaseTabPluginWidget.cpp~    UnRegisterFeatureObserver(true);\n    delete m_pChangedFeatures;~    delete m_pChangedFeatures;~a deleted tab leaves its observers registered
-streaming-lock~triggerio/IOTriggerWidgetStreamingLock.cpp~enable(m_pComboTriggerSource, !streaming);~enable(m_pComboTriggerSource, true);~the trigger source stays editable while the camera streams
-get-result~plugin/TabExtensionPlugin.cpp~        return e.Result();~        return 0;~an unsupported camera is reported as success
+out-restore~restore~triggerio/IOTriggerWidgetOutputs.cpp~                     enableStatusBox(*row, true);\n                     return true;~                     enableStatusBox(*row, true);\n                     return i + 1 < m_OutputRows.size();~the status refresh leaves LineSelector on the last row
+src-restore~restore~triggerio/IOTriggerWidgetOutputs.cpp~updateComboBox("LineSource", row->m_pComboSource.data(), true);\n                         enableStatusBox(*row, true);\n                         enableUserValueBox(*row);\n                         return true;~updateComboBox("LineSource", row->m_pComboSource.data(), true);\n                         enableStatusBox(*row, true);\n                         enableUserValueBox(*row);\n                         return i + 1 < m_OutputRows.size();~the source refresh leaves LineSelector moved
+polarity~other~triggerio/IOTriggerWidgetOutputs.cpp~setChecked(polarity == "Invert")~setChecked(polarity == "Normal")~sync-out polarity shown the wrong way round
+invert-write~other~triggerio/IOTriggerWidgetOutputs.cpp~m_pCBInvert->isChecked() ? 1.0 : 0.0~m_pCBInvert->isChecked() ? 0.0 : 1.0~LineInverter written inverted
+mask-bit~other~triggerio/IOTriggerWidgetOutputs.cpp~mask |= quint32(1) << (i % 32);~mask |= quint32(1) << (i % 32 + 1);~level mask bit off by one
+sync-source-all~row-limit~triggerio/IOTriggerWidgetOutputs.cpp~                         if (source == text)~                         if (!text.isEmpty())~sync-out source written to every row
+levels-read~other~triggerio/IOTriggerWidgetUserOutputs.cpp~((levels >> (i % 64)) & 1) != 0~((levels >> (i % 64)) & 2) != 0~level mask read with the wrong bit
+userout-restore~restore~triggerio/IOTriggerWidgetUserOutputs.cpp~<< "Error: SetValue(UserOutputValue) retValue == ''";\n                     }\n                     return true;~<< "Error: SetValue(UserOutputValue) retValue == ''";\n                     }\n                     return false;~UserOutputSelector not restored after a user value write
+userout-shared~other~triggerio/IOTriggerWidgetUserOutputs.cpp~            SetOnCBOutUserValueChanged(j, state);~            ;~lines sharing a user output are not written
+selout-restore~restore~triggerio/IOTriggerWidgetSelectableOutputs.cpp~updateComboBox("LineMode", m_OptionalOutCombos.at(i), false);\n                     return true;~updateComboBox("LineMode", m_OptionalOutCombos.at(i), false);\n                     return i + 1 < m_OptionalOutCombos.size();~selectable-output refresh leaves LineSelector moved
+routing~other~triggerio/IOTriggerWidgetTriggerInput.cpp~state < 1 ? QString("Off") : QString("Trigger")~state < 1 ? QString("Trigger") : QString("Off")~line routing written the wrong way round
+framecount~other~triggerio/IOTriggerWidgetTriggerInput.cpp~SetValue("AcquisitionFrameCount", static_cast<double>(value))~SetValue("AcquisitionFrameCount", static_cast<double>(value + 1))~frame count written off by one
+edge-activation~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp~pick(Activation, "FallingEdge"),\n    pick(InputLine, "Line0"),~pick(Activation, "RisingEdge"),\n    pick(InputLine, "Line0"),~edge preset on a routing camera picks the wrong activation
+bulk-quirk~literal~triggerio/IOTriggerWidgetQuickSettings.cpp~pick(Activation, "FallinEdge"),\n    pick(TriggerSelector, "AcquisitionStart"),~pick(Activation, "FallingEdge"),\n    pick(TriggerSelector, "AcquisitionStart"),~bulk preset's misspelt activation "fixed"
+edge-order~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp~    step(CheckRouting),\n    pick(AcquisitionMode, "Continuous"),\n    pick(TriggerMode, "On"),~    step(CheckRouting),\n    pick(TriggerMode, "On"),\n    pick(AcquisitionMode, "Continuous"),~edge preset switches the trigger on before the acquisition mode
+dispatch-status~dispatch~triggerio/IOTriggerWidget.cpp~if (changed.contains("LineStatus"))~if (changed.contains("LineStatu"))~a LineStatus change refreshes nothing
+dispatch-quirk~literal~triggerio/IOTriggerWidget.cpp~changed.contains("LineOutlevels")~changed.contains("LineOutLevels")~misspelt refresh name "fixed"
+changed-once~other~tabbase/BaseTabPluginWidget.cpp~    if (!m_pChangedFeatures->contains(name))\n        m_pChangedFeatures->append(name);~    m_pChangedFeatures->append(name);~a name notified twice is queued twice
+tick-reregister~other~tabbase/BaseTabPluginWidget.cpp~    updateInit();\n    RegisterFeatureObserver(false);~    updateInit();~the tick leaves the observer unregistered
+alt-name~other~features/FeatureManager.cpp~    if (!feature && !alt1.isEmpty())\n        feature = GetFeatureByName(alt1);\n    return feature;~    return feature;~the second name alternative is never tried
+grid-max~other~features/FeatureManager.cpp~std::floor((maximum - minimum) / increment * 1.000000000001)~std::ceil((maximum - minimum) / increment)~a maximum off the increment grid is rounded up
+gc-locked~other~orvcpp/genicam/GenICamFeature.cpp~usable = available && implemented && !locked;~usable = available && implemented;~a locked GenICam feature accepts writes
+gc-notify~other~orvcpp/genicam/FeaturePoller.cpp~            observer->FeatureChanged(feature);~            (void)observer;~the backend never notifies
+observer-left~other~tabbase/BaseTabPluginWidget.cpp~    UnRegisterFeatureObserver(true);\n    delete m_pChangedFeatures;~    delete m_pChangedFeatures;~a deleted tab leaves its observers registered
+streaming-lock~other~triggerio/IOTriggerWidgetStreamingLock.cpp~enable(m_pComboTriggerSource, !streaming);~enable(m_pComboTriggerSource, true);~the trigger source stays editable while the camera streams
+get-result~other~plugin/TabExtensionPlugin.cpp~        return e.Result();~        return 0;~an unsupported camera is reported as success
+d-trigger-source~dispatch~triggerio/IOTriggerWidget.cpp~changed.contains("TriggerSource")~changed.contains("TriggerSources")~a TriggerSource change refreshes nothing
+d-activation~dispatch~triggerio/IOTriggerWidget.cpp~changed.contains("TriggerActivation")~changed.contains("TriggerActivaton")~a TriggerActivation change refreshes nothing
+d-trigger-mode~dispatch~triggerio/IOTriggerWidget.cpp~changed.contains("TriggerMode")~changed.contains("TriggerModes")~a TriggerMode change refreshes nothing
+d-mode-selector~dispatch~triggerio/IOTriggerWidget.cpp~&IOTriggerWidget::updateTriggerMode, &IOTriggerWidget::updateTriggerSelector,~&IOTriggerWidget::updateTriggerMode,~a TriggerMode change leaves the trigger selector as it was
+d-mode-activation~dispatch~triggerio/IOTriggerWidget.cpp~&IOTriggerWidget::updateTriggerSelector,\n                 &IOTriggerWidget::updateTriggerActivation});~&IOTriggerWidget::updateTriggerSelector});~a TriggerMode change leaves the activation as it was
+d-trigger-selector~dispatch~triggerio/IOTriggerWidget.cpp~changed.contains("TriggerSelector")~changed.contains("TriggerSelectors")~a TriggerSelector change refreshes nothing
+d-acq-mode~dispatch~triggerio/IOTriggerWidget.cpp~changed.contains("AcquisitionMode")~changed.contains("AcquisitionModes")~an AcquisitionMode change refreshes nothing
+d-acq-framecount~dispatch~triggerio/IOTriggerWidget.cpp~{&IOTriggerWidget::updateAcquisitionMode, &IOTriggerWidget::updateAcquisitionFrameCount}~{&IOTriggerWidget::updateAcquisitionMode}~an AcquisitionMode change leaves the frame count as it was
+d-line-selector~dispatch~triggerio/IOTriggerWidget.cpp~changed.contains("LineSelector")~changed.contains("LineSelectors")~a LineSelector change refreshes nothing
+d-routing~dispatch~triggerio/IOTriggerWidget.cpp~changed.contains("LineRouting")~changed.contains("LineRoutings")~a LineRouting change refreshes nothing
+d-exposure-mode~dispatch~triggerio/IOTriggerWidget.cpp~changed.contains("ExposureMode")~changed.contains("ExposureModes")~an ExposureMode change refreshes nothing
+d-exposure-auto~dispatch~triggerio/IOTriggerWidget.cpp~changed.contains("ExposureAuto")~changed.contains("ExposureAutos")~an ExposureAuto change refreshes nothing
+d-line-source~dispatch~triggerio/IOTriggerWidget.cpp~changed.contains("LineSource")~changed.contains("LineSources")~a LineSource change refreshes nothing
+d-syncout-source~dispatch~triggerio/IOTriggerWidget.cpp~changed.contains("SyncOutSource")~changed.contains("SyncOutSources")~a SyncOutSource change refreshes nothing
+d-lineout-source~dispatch~triggerio/IOTriggerWidget.cpp~changed.contains("LineOutSource")~changed.contains("LineOutSources")~a LineOutSource change refreshes nothing
+d-inverter~dispatch~triggerio/IOTriggerWidget.cpp~changed.contains("LineInverter")~changed.contains("LineInverters")~a LineInverter change refreshes nothing
+d-syncout-polarity~dispatch~triggerio/IOTriggerWidget.cpp~changed.contains("SyncOutPolarity")~changed.contains("SyncOutPolarities")~a SyncOutPolarity change refreshes nothing
+d-lineout-polarity~dispatch~triggerio/IOTriggerWidget.cpp~changed.contains("LineOutPolarity")~changed.contains("LineOutPolarities")~a LineOutPolarity change refreshes nothing
+d-status-invert~dispatch~triggerio/IOTriggerWidget.cpp~{&IOTriggerWidget::updateOutStatus, &IOTriggerWidget::updateOutInvert}~{&IOTriggerWidget::updateOutStatus}~a LineStatus change leaves the inverters as they were
+d-sync-levels~dispatch~triggerio/IOTriggerWidget.cpp~changed.contains("SyncOutLevels")~changed.contains("SyncOutLevel")~a SyncOutLevels change refreshes nothing
+d-userout-selector~dispatch~triggerio/IOTriggerWidget.cpp~changed.contains("UserOutSelector")~changed.contains("UserOutputSelector")~the observed "UserOutSelector" no longer refreshes the user outputs
+d-user-value~dispatch~triggerio/IOTriggerWidget.cpp~changed.contains("UserOutputValue")~changed.contains("UserOutputValues")~a UserOutputValue change refreshes nothing
+d-line-mode~dispatch~triggerio/IOTriggerWidget.cpp~changed.contains("LineMode")~changed.contains("LineModes")~a LineMode change rebuilds nothing
+o-rebuild-always~other~triggerio/IOTriggerWidget.cpp~changed.contains("LineMode") && !m_OptionalOutCombos.isEmpty()~changed.contains("LineMode")~a LineMode change rebuilds the outputs of a camera without selectable lines
+o-refresh-unblocked~other~triggerio/IOTriggerWidget.cpp~        SetConnectionsDisabled(true);\n        for (auto function : functions)~        for (auto function : functions)~a refresh fills the controls with their signals live
+l-framecount-quirk~literal~triggerio/IOTriggerWidget.cpp~changed.contains("AcquisitionFramecount")~changed.contains("AcquisitionFrameCount")~misspelt frame count refresh name "fixed"
+l-observed-userout~literal~triggerio/IOTriggerWidget.cpp~"SyncOutLevels",   "UserOutSelector",~"SyncOutLevels",   "UserOutputSelector",~the observed "UserOutSelector" "fixed" to the selector the tab moves itself
+l-synoutsource~literal~triggerio/IOTriggerWidgetSelectableOutputs.cpp~GetIsFeatureAvailable("SynOutSource", "LineOutSource")~GetIsFeatureAvailable("SyncOutSource", "LineOutSource")~misspelt "SynOutSource" of the selectable header "fixed"
+l-synoutpolarity~literal~triggerio/IOTriggerWidgetSelectableOutputs.cpp~GetIsFeatureAvailable("SynOutPolarity", "LineOutPolarity")~GetIsFeatureAvailable("SyncOutPolarity", "LineOutPolarity")~misspelt "SynOutPolarity" of the selectable header "fixed"
+l-levels-caption~literal~triggerio/IOTriggerWidgetOutputs.cpp~? tr("LineOutLevels") : tr("SyncLevels:")~? tr("LineOutLevels:") : tr("SyncLevels:")~the levels caption without a colon given one
+l-fallin-auto~literal~triggerio/IOTriggerWidgetQuickSettings.cpp~pick(Activation, "FallinEdge"),\n    pick(TriggerMode, "On"),~pick(Activation, "FallingEdge"),\n    pick(TriggerMode, "On"),~bulk preset's (exposure auto) misspelt activation "fixed"
+l-other-combo~literal~triggerio/IOTriggerWidgetTriggerInput.cpp~contains("other"))\n        m_pComboExposureAuto~contains("Off"))\n        m_pComboExposureAuto~exposure auto combo made on "Off" instead of the odd "other"
+l-other-label~literal~triggerio/IOTriggerWidgetTriggerInput.cpp~contains("other"))\n        m_pLabelExposureAuto~contains("Off"))\n        m_pLabelExposureAuto~exposure auto caption made on "Off" instead of the odd "other"
+l-inputlines~literal~triggerio/IOTriggerWidgetTriggerInput.cpp~contains("InputLines"))~contains("InputLine"))~the taller trigger input group keyed on "InputLine"
+l-software~literal~triggerio/IOTriggerWidgetTriggerInput.cpp~source == "Software" ||~source == "TriggerSoftware" ||~software trigger offered on the wrong source name
+l-gpo~literal~triggerio/IOTriggerWidgetOutputs.cpp~(lineFamily ? "Direct" : "GPO")~(lineFamily ? "Direct" : "GPIO")~sync-out plain state named "GPIO"
+l-direct~literal~triggerio/IOTriggerWidgetOutputs.cpp~(lineFamily ? "Direct" : "GPO")~(lineFamily ? "DirectOut" : "GPO")~output line plain state named "DirectOut"
+l-triggerwidth~literal~triggerio/IOTriggerWidgetStreamingLock.cpp~itemText(i) == "TriggerWidth"~itemText(i) == "TriggerControlled"~Level preset enabled on the wrong exposure mode
+l-from-level~literal~triggerio/IOTriggerWidgetQuickSettings.cpp~currentText().contains("TriggerWidth")~currentText().contains("TriggerControlled")~bulk preset does not set up the edge first after level
+s-output-levels~size~triggerio/IOTriggerWidgetOutputs.cpp~"LineOutLevels") ? 85 : 60) + 35 * count~"LineOutLevels") ? 80 : 60) + 35 * count~Output group of a sync-out camera 5 pixels lower
+s-output-plain~size~triggerio/IOTriggerWidgetOutputs.cpp~"LineOutLevels") ? 85 : 60) + 35 * count~"LineOutLevels") ? 85 : 65) + 35 * count~Output group of a line camera 5 pixels higher
+s-output-row~size~triggerio/IOTriggerWidgetOutputs.cpp~"LineOutLevels") ? 85 : 60) + 35 * count~"LineOutLevels") ? 85 : 60) + 30 * count~Output rows 30 pixels high
+s-trigger-input~size~triggerio/IOTriggerWidgetTriggerInput.cpp~ui->gb_TriggerInput->setMinimumHeight(470);~ui->gb_TriggerInput->setMinimumHeight(460);~trigger input group of a routing camera 460 pixels at least
+s-trigger-routing~size~triggerio/IOTriggerWidgetTriggerInput.cpp~m_pCBLineRouting ? 220 : 170~m_pCBLineRouting ? 210 : 170~Trigger group of a routing camera 210 pixels high
+s-trigger-plain~size~triggerio/IOTriggerWidgetTriggerInput.cpp~m_pCBLineRouting ? 220 : 170~m_pCBLineRouting ? 220 : 160~Trigger group without routing 160 pixels high
+s-acquisition~size~triggerio/IOTriggerWidgetTriggerInput.cpp~m_pGroupAcquisition->setFixedHeight(125);~m_pGroupAcquisition->setFixedHeight(120);~Acquisition group 120 pixels high
+s-quick~size~triggerio/IOTriggerWidgetTriggerInput.cpp~m_pGroupQuickSettings->setFixedHeight(75);~m_pGroupQuickSettings->setFixedHeight(70);~Quick Settings group 70 pixels high
+s-quick-button~size~triggerio/IOTriggerWidgetTriggerInput.cpp~button->setMinimumHeight(28);~button->setMinimumHeight(24);~preset buttons 24 pixels high at least
+s-icon~size~triggerio/IOTriggerWidgetTriggerInput.cpp~QSize(2 * h, static_cast<int>(1.5 * h))~QSize(2 * h, 2 * h)~preset pictograms square
+s-combo~size~triggerio/IOTriggerWidgetTriggerInput.cpp~combo->setMinimumSize(90, 25);~combo->setMinimumSize(80, 25);~trigger combo boxes 80 pixels wide at least
+s-swtrigger~size~triggerio/IOTriggerWidgetTriggerInput.cpp~m_pButtonSWTrigger->setMaximumHeight(25);~m_pButtonSWTrigger->setMaximumHeight(28);~software trigger button up to 28 pixels high
+s-source-width~size~triggerio/IOTriggerWidgetOutputs.cpp~row->m_pComboSource->setMaximumWidth(95);~row->m_pComboSource->setMaximumWidth(90);~output source combos 90 pixels wide at most
+s-rebuild-width~size~triggerio/IOTriggerWidget.cpp~            row->m_pComboSource->setMaximumWidth(16777215);~            ;~rebuilt output source combos keep their 95-pixel limit
+s-levels-width~size~triggerio/IOTriggerWidgetOutputs.cpp~m_pEditSyncLevels->setMaximumWidth(65);~m_pEditSyncLevels->setMaximumWidth(60);~sync levels field 60 pixels wide at most
+s-optional-height~size~triggerio/IOTriggerWidgetSelectableOutputs.cpp~ui->gb_SelectOutput->setMinimumHeight(m_nOptionalOutputs * 55);~ui->gb_SelectOutput->setMinimumHeight(m_nOptionalOutputs * 50);~selectable output group 50 pixels a line at least
+s-header-height~size~triggerio/IOTriggerWidgetSelectableOutputs.cpp~label->setMaximumHeight(2);~label->setMaximumHeight(1);~hidden header of the selectable outputs 1 pixel high
+r-walk-each~restore~triggerio/IOTriggerWidget.cpp~        if (restore.when == Restore::AfterEachLine)\n            restoreSelector(selector, restore);\n~~a walk that restores after each line never restores
+r-walk-end~restore~triggerio/IOTriggerWidget.cpp~    if (restore.when == Restore::AtEnd)\n        restoreSelector(selector, restore);\n~~a walk that restores at the end never restores
+r-get-outputs~restore~triggerio/IOTriggerWidgetOutputs.cpp~{Restore::AfterEachLine, Restore::OnFailure, "GetOutputs"~{Restore::AtEnd, Restore::OnFailure, "GetOutputs"~output discovery restores LineSelector at the end only
+r-outs-index~restore~triggerio/IOTriggerWidgetOutputs.cpp~{Restore::AtEnd, Restore::Never, "DetermineOutsIndex"~{Restore::AfterEachLine, Restore::Never, "DetermineOutsIndex"~output index discovery restores after each line
+r-outs-index-combo~restore~triggerio/IOTriggerWidgetOutputs.cpp~        m_pComboInputLineSelector->setCurrentIndex(index);~        ;~output index discovery leaves the input line combo where the walk left it
+r-src-line~restore~triggerio/IOTriggerWidgetOutputs.cpp~{Restore::AtEnd, Restore::Always, "updateOutSource", "SetValue('LineSelector') = "}~{Restore::AfterEachLine, Restore::Always, "updateOutSource", "SetValue('LineSelector') = "}~source refresh restores LineSelector after each row
+r-src-sync~restore~triggerio/IOTriggerWidgetOutputs.cpp~{Restore::AtEnd, Restore::Always, "updateOutSource", "SetValue('LineOutSelector', 'SyncOutSelector') = "}~{Restore::AfterEachLine, Restore::Always, "updateOutSource", "SetValue('LineOutSelector', 'SyncOutSelector') = "}~source refresh restores the sync-out selector after each row
+r-invert-line~restore~triggerio/IOTriggerWidgetOutputs.cpp~{Restore::AtEnd, Restore::Always, "updateOutInvert", "SetValue('LineSelector') = "}~{Restore::AfterEachLine, Restore::Always, "updateOutInvert", "SetValue('LineSelector') = "}~inverter refresh restores LineSelector after each row
+r-invert-sync~restore~triggerio/IOTriggerWidgetOutputs.cpp~{Restore::AfterEachLine, Restore::Always, "updateOutInvert",~{Restore::AtEnd, Restore::Always, "updateOutInvert",~polarity refresh restores the sync-out selector at the end only
+r-status~restore~triggerio/IOTriggerWidgetOutputs.cpp~{Restore::AtEnd, Restore::Always, "updateOutStatus"~{Restore::AfterEachLine, Restore::Always, "updateOutStatus"~status refresh restores LineSelector after each row
+r-src-edit-line~restore~triggerio/IOTriggerWidgetOutputs.cpp~{Restore::AtEnd, Restore::OnFailure, "OnComboOutSourceChanged",\n                      "Error: setValue(LineSelector)~{Restore::AfterEachLine, Restore::OnFailure, "OnComboOutSourceChanged",\n                      "Error: setValue(LineSelector)~source edit restores LineSelector after each row
+r-src-edit-sync~restore~triggerio/IOTriggerWidgetOutputs.cpp~{Restore::AtEnd, Restore::OnFailure, "OnComboOutSourceChanged",\n                      "Error: setValue(LineOutSelector)~{Restore::AfterEachLine, Restore::OnFailure, "OnComboOutSourceChanged",\n                      "Error: setValue(LineOutSelector)~source edit restores the sync-out selector after each row
+r-invert-edit-line~restore~triggerio/IOTriggerWidgetOutputs.cpp~{Restore::AtEnd, Restore::OnFailure, "OnCBOutInvertChanged", "LineSelector retValue == ''"}~{Restore::AfterEachLine, Restore::OnFailure, "OnCBOutInvertChanged", "LineSelector retValue == ''"}~inverter edit restores LineSelector after each row
+r-invert-edit-sync~restore~triggerio/IOTriggerWidgetOutputs.cpp~{Restore::AtEnd, Restore::OnFailure, "OnCBOutInvertChanged", "LineOutSelector retValue == ''"}~{Restore::AfterEachLine, Restore::OnFailure, "OnCBOutInvertChanged", "LineOutSelector retValue == ''"}~polarity edit restores the sync-out selector after each row
+r-status-edit~restore~triggerio/IOTriggerWidgetOutputs.cpp~{Restore::AtEnd, Restore::OnFailure, "OnCBOutStatusChanged"~{Restore::AfterEachLine, Restore::OnFailure, "OnCBOutStatusChanged"~status edit restores LineSelector after each row
+r-first-input~restore~triggerio/IOTriggerWidgetTriggerInput.cpp~{Restore::AfterEachLine, Restore::OnFailure, "GetFirstInput"~{Restore::AtEnd, Restore::OnFailure, "GetFirstInput"~first-input search restores LineSelector at the end only
+r-user-value~restore~triggerio/IOTriggerWidgetUserOutputs.cpp~{Restore::AtEnd, Restore::OnFailure, "updateUserOutValue",~{Restore::AfterEachLine, Restore::OnFailure, "updateUserOutValue",~user value refresh restores UserOutputSelector after each row
+r-optional~restore~triggerio/IOTriggerWidgetSelectableOutputs.cpp~{Restore::AfterEachLine, Restore::OnFailure, "GetOptionalOutputs",~{Restore::AtEnd, Restore::OnFailure, "GetOptionalOutputs",~selectable line discovery restores LineSelector at the end only
+r-optional-update~restore~triggerio/IOTriggerWidgetSelectableOutputs.cpp~{Restore::AtEnd, Restore::Always, "RetValue updateOpt. Out", nullptr}~{Restore::AfterEachLine, Restore::Always, "RetValue updateOpt. Out", nullptr}~selectable line refresh restores LineSelector after each line
+r-optional-edit~restore~triggerio/IOTriggerWidgetSelectableOutputs.cpp~{Restore::AtEnd, Restore::OnFailure, "OnComboOptionalOutChanged",~{Restore::AfterEachLine, Restore::OnFailure, "OnComboOptionalOutChanged",~selectable line edit restores LineSelector after each line
+r-trigger-mode-back~restore~triggerio/IOTriggerWidgetTriggerInput.cpp~    if (m_pComboInputLineSelector && wasOn)\n        SetComboBoxValue("On", m_pComboTriggerMode);~~the trigger is not switched on again for the new trigger selector
+r-routing-back~restore~triggerio/IOTriggerWidgetTriggerInput.cpp~    if (wasChecked)\n        m_pCBLineRouting->setChecked(true);~~the routing is not put back on for the new input line
+rl-src-line~row-limit~triggerio/IOTriggerWidgetOutputs.cpp~if (selected && source == text)~if (selected)~line source written to every row
+rl-optional-edit~row-limit~triggerio/IOTriggerWidgetSelectableOutputs.cpp~if (selected && combo && combo->currentText() == text)~if (selected && combo)~line mode written to every selectable line
+rl-user-shared~row-limit~triggerio/IOTriggerWidgetUserOutputs.cpp~ ||\n                other->m_pComboUserOutSelector->currentText() != userOut->currentText())~)~a user value written to the rows of every user output
+rl-user-rows~row-limit~triggerio/IOTriggerWidgetUserOutputs.cpp~        if (!userOut.contains("UserOutput"))\n            continue;\n~~the user value refresh visits rows no user output drives
+rl-mask-rows~row-limit~triggerio/IOTriggerWidgetOutputs.cpp~            if (m_OutputRows.at(i)->m_pCBStatus->isChecked())\n~~every row's bit set in the level mask
+rl-optional-writable~row-limit~triggerio/IOTriggerWidgetSelectableOutputs.cpp~m_pFeatureManager->GetIsWritable("LineMode") && mode == "Output"~mode == "Output"~lines with a read-only mode offered as selectable
+rl-invert-selected~row-limit~triggerio/IOTriggerWidgetOutputs.cpp~                         if (!selected)\n                             return true;\n                         const double written = m_pFeatureManager->SetValue(\n                             "LineInverter"~                         const double written = m_pFeatureManager->SetValue(\n                             "LineInverter"~LineInverter written for a row whose selector write failed
+rl-status-selected~row-limit~triggerio/IOTriggerWidgetOutputs.cpp~                         if (!selected)\n                             return true;\n                         const double written = m_pFeatureManager->SetValue(\n                             "LineStatus"~                         const double written = m_pFeatureManager->SetValue(\n                             "LineStatus"~LineStatus written for a row whose selector write failed
+rl-trigger-selector-routing~row-limit~triggerio/IOTriggerWidgetTriggerInput.cpp~    if (m_pComboInputLineSelector && wasOn)\n        SetComboBoxValue("Off", m_pComboTriggerMode);~    if (wasOn)\n        SetComboBoxValue("Off", m_pComboTriggerMode);~the trigger moved with the selector on cameras without routing too
+a-outsel-read~alt-order~triggerio/IOTriggerWidget.cpp~m_pFeatureManager->GetStringValue("LineOutSelector", "SyncOutSelector")~m_pFeatureManager->GetStringValue("SyncOutSelector", "LineOutSelector")~the sync-out selector saved from SyncOutSelector first
+a-outsel-write~alt-order~triggerio/IOTriggerWidget.cpp~selector = {"LineOutSelector", "SyncOutSelector",~selector = {"SyncOutSelector", "LineOutSelector",~the sync-out selector written as SyncOutSelector first
+a-outputs-entries~alt-order~triggerio/IOTriggerWidgetOutputs.cpp~GetAvailableEnumEntries("LineOutSelector", "SyncOutSelector")~GetAvailableEnumEntries("SyncOutSelector", "LineOutSelector")~sync outputs listed from SyncOutSelector first
+a-caption-source~alt-order~triggerio/IOTriggerWidgetOutputs.cpp~GetFeatureName(QStringList() << "LineOutSource"\n                                                                               << "SyncOutSource"~GetFeatureName(QStringList() << "SyncOutSource"\n                                                                               << "LineOutSource"~source caption takes SyncOutSource before LineOutSource
+a-caption-source-line~alt-order~triggerio/IOTriggerWidgetOutputs.cpp~<< "SyncOutSource"\n                                                                               << "LineSource");~<< "LineSource"\n                                                                               << "SyncOutSource");~source caption takes LineSource before SyncOutSource
+a-caption-invert~alt-order~triggerio/IOTriggerWidgetOutputs.cpp~GetDisplayName(QStringList() << "SyncOutPolarity"\n                                                                               << "LineOutPolarity"~GetDisplayName(QStringList() << "LineOutPolarity"\n                                                                               << "SyncOutPolarity"~invert caption takes LineOutPolarity before SyncOutPolarity
+a-caption-invert-line~alt-order~triggerio/IOTriggerWidgetOutputs.cpp~<< "LineOutPolarity"\n                                                                               << "LineInverter");~<< "LineInverter"\n                                                                               << "LineOutPolarity");~invert caption takes LineInverter before LineOutPolarity
+a-source-feature~alt-order~triggerio/IOTriggerWidgetOutputs.cpp~GetIsFeatureAvailable("LineOutSource") ? "LineOutSource" : "SyncOutSource"~GetIsFeatureAvailable("SyncOutSource") ? "SyncOutSource" : "LineOutSource"~sync-out sources read from SyncOutSource first
+a-polarity-read~alt-order~triggerio/IOTriggerWidgetOutputs.cpp~GetStringValue("LineOutPolarity", "SyncOutPolarity")~GetStringValue("SyncOutPolarity", "LineOutPolarity")~polarity read from SyncOutPolarity first
+a-polarity-writable~alt-order~triggerio/IOTriggerWidgetOutputs.cpp~GetIsWritable("LineOutPolarity", "SyncOutPolarity")~GetIsWritable("SyncOutPolarity", "LineOutPolarity")~polarity writability asked of SyncOutPolarity first
+a-levels-writable~alt-order~triggerio/IOTriggerWidgetOutputs.cpp~GetIsWritable("LineOutLevels", "SyncOutLevels")~GetIsWritable("SyncOutLevels", "LineOutLevels")~level writability asked of SyncOutLevels first
+a-source-write~alt-order~triggerio/IOTriggerWidgetOutputs.cpp~SetValue("LineOutSource", "SyncOutSource", source)~SetValue("SyncOutSource", "LineOutSource", source)~sync-out source written to SyncOutSource first
+a-polarity-write~alt-order~triggerio/IOTriggerWidgetOutputs.cpp~SetValue("LineOutPolarity", "SyncOutPolarity", polarity)~SetValue("SyncOutPolarity", "LineOutPolarity", polarity)~polarity written to SyncOutPolarity first
+a-levels-write~alt-order~triggerio/IOTriggerWidgetOutputs.cpp~SetValue("LineOutLevels", "SyncOutLevels", static_cast<double>(mask))~SetValue("SyncOutLevels", "LineOutLevels", static_cast<double>(mask))~level mask written to SyncOutLevels first
+a-levels-read~alt-order~triggerio/IOTriggerWidgetUserOutputs.cpp~GetValue("LineOutLevels", "SyncOutLevels")~GetValue("SyncOutLevels", "LineOutLevels")~level mask read from SyncOutLevels first
+a-fm-pair~alt-order~features/FeatureManager.cpp~    FeaturePtr feature = GetFeatureByName(name);\n    if (!feature && !alt1.isEmpty())\n        feature = GetFeatureByName(alt1);\n    return feature;~    FeaturePtr feature = alt1.isEmpty() ? FeaturePtr() : GetFeatureByName(alt1);\n    if (!feature)\n        feature = GetFeatureByName(name);\n    return feature;~the second of two names tried first
+a-fm-third~alt-order~features/FeatureManager.cpp~    FeaturePtr feature = GetFeatureByName(name, alt1);\n    // When~    FeaturePtr feature = alt2.isEmpty() ? FeaturePtr() : GetFeatureByName(alt2);\n    if (!feature)\n        feature = GetFeatureByName(name, alt1);\n    // When~the third of three names tried first
+a-fm-name-list~alt-order~features/FeatureManager.cpp~        FeaturePtr feature = GetFeatureByName(name);\n        if (!feature)\n            continue;\n        std::string featureName;~        FeaturePtr feature = GetFeatureByName(names.value(names.size() - 1 - names.indexOf(name)));\n        if (!feature)\n            continue;\n        std::string featureName;~GetFeatureName tries its list from the back
+a-fm-display-list~alt-order~features/FeatureManager.cpp~        FeaturePtr feature = GetFeatureByName(name);\n        if (!feature)\n            continue;\n        std::string displayName;~        FeaturePtr feature = GetFeatureByName(names.value(names.size() - 1 - names.indexOf(name)));\n        if (!feature)\n            continue;\n        std::string displayName;~GetDisplayName tries its list from the back
+ps-edgeRouting-1~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeRouting{~pick(ExposureMode, "Timed"),\n    ~~edgeRouting step 1, pick(ExposureMode, "Timed"), left out
+ps-edgeRouting-2~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeRouting{~step(RefreshTriggerSelector),\n    ~~edgeRouting step 2, step(RefreshTriggerSelector), left out
+ps-edgeRouting-3~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeRouting{~pick(TriggerSelector, "ExposureStart"),\n    ~~edgeRouting step 3, pick(TriggerSelector, "ExposureStart"), left out
+ps-edgeRouting-4~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeRouting{~step(Wait200ms),\n    ~~edgeRouting step 4, step(Wait200ms), left out
+ps-edgeRouting-5~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeRouting{~pick(TriggerMode, "Off"),\n    ~~edgeRouting step 5, pick(TriggerMode, "Off"), left out
+ps-edgeRouting-6~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeRouting{~pick(TriggerMode, "Off"),\n    pick(TriggerSelector, "ExposureStart"),\n    ~pick(TriggerMode, "Off"),\n    ~edgeRouting step 6, pick(TriggerSelector, "ExposureStart"), left out
+ps-edgeRouting-7~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeRouting{~pick(TriggerSource, "InputLines"),\n    ~~edgeRouting step 7, pick(TriggerSource, "InputLines"), left out
+ps-edgeRouting-8~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeRouting{~pick(Activation, "FallingEdge"),\n    ~~edgeRouting step 8, pick(Activation, "FallingEdge"), left out
+ps-edgeRouting-9~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeRouting{~pick(InputLine, "Line0"),\n    ~~edgeRouting step 9, pick(InputLine, "Line0"), left out
+ps-edgeRouting-10~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeRouting{~step(CheckRouting),\n    ~~edgeRouting step 10, step(CheckRouting), left out
+ps-edgeRouting-11~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeRouting{~pick(AcquisitionMode, "Continuous"),\n    ~~edgeRouting step 11, pick(AcquisitionMode, "Continuous"), left out
+ps-edgeRouting-12~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeRouting{~\n    pick(TriggerMode, "On"),~~edgeRouting step 12, pick(TriggerMode, "On"), left out
+ps-levelRouting-1~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps levelRouting{~pick(TriggerSource, "InputLines"),\n    ~~levelRouting step 1, pick(TriggerSource, "InputLines"), left out
+ps-levelRouting-2~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps levelRouting{~pick(TriggerMode, "On"),\n    ~~levelRouting step 2, pick(TriggerMode, "On"), left out
+ps-levelRouting-3~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps levelRouting{~pick(ExposureMode, "TriggerWidth"),\n    ~~levelRouting step 3, pick(ExposureMode, "TriggerWidth"), left out
+ps-levelRouting-4~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps levelRouting{~step(RefreshTriggerSelector),\n    ~~levelRouting step 4, step(RefreshTriggerSelector), left out
+ps-levelRouting-5~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps levelRouting{~pick(TriggerSelector, "ExposureActive"),\n    ~~levelRouting step 5, pick(TriggerSelector, "ExposureActive"), left out
+ps-levelRouting-6~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps levelRouting{~pick(TriggerSelector, "ExposureActive"),\n    pick(TriggerSource, "InputLines"),\n    ~pick(TriggerSelector, "ExposureActive"),\n    ~levelRouting step 6, pick(TriggerSource, "InputLines"), left out
+ps-levelRouting-7~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps levelRouting{~pick(Activation, "LowLevel"),\n    ~~levelRouting step 7, pick(Activation, "LowLevel"), left out
+ps-levelRouting-8~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps levelRouting{~step(CheckRouting),\n    ~~levelRouting step 8, step(CheckRouting), left out
+ps-levelRouting-9~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps levelRouting{~pick(InputLine, "Line0"),\n    ~~levelRouting step 9, pick(InputLine, "Line0"), left out
+ps-levelRouting-10~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps levelRouting{~\n    pick(AcquisitionMode, "Continuous"),~~levelRouting step 10, pick(AcquisitionMode, "Continuous"), left out
+ps-bulkRouting-1~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkRouting{~step(EdgeFirstFromLevel),\n    ~~bulkRouting step 1, step(EdgeFirstFromLevel), left out
+ps-bulkRouting-2~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkRouting{~pick(ExposureMode, "Timed"),\n    ~~bulkRouting step 2, pick(ExposureMode, "Timed"), left out
+ps-bulkRouting-3~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkRouting{~step(RefreshTriggerSelector),\n    ~~bulkRouting step 3, step(RefreshTriggerSelector), left out
+ps-bulkRouting-4~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkRouting{~pick(TriggerSelector, "ExposureStart"),\n    ~~bulkRouting step 4, pick(TriggerSelector, "ExposureStart"), left out
+ps-bulkRouting-5~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkRouting{~step(Wait200ms),\n    ~~bulkRouting step 5, step(Wait200ms), left out
+ps-bulkRouting-6~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkRouting{~pick(TriggerMode, "Off"),\n    ~~bulkRouting step 6, pick(TriggerMode, "Off"), left out
+ps-bulkRouting-7~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkRouting{~pick(TriggerSource, "InputLines"),\n    ~~bulkRouting step 7, pick(TriggerSource, "InputLines"), left out
+ps-bulkRouting-8~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkRouting{~pick(Activation, "FallinEdge"),\n    ~~bulkRouting step 8, pick(Activation, "FallinEdge"), left out
+ps-bulkRouting-9~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkRouting{~pick(TriggerSelector, "AcquisitionStart"),\n    ~~bulkRouting step 9, pick(TriggerSelector, "AcquisitionStart"), left out
+ps-bulkRouting-10~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkRouting{~step(CheckRouting),\n    ~~bulkRouting step 10, step(CheckRouting), left out
+ps-bulkRouting-11~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkRouting{~pick(InputLine, "Line0"),\n    ~~bulkRouting step 11, pick(InputLine, "Line0"), left out
+ps-bulkRouting-12~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkRouting{~step(FrameCount10),\n    ~~bulkRouting step 12, step(FrameCount10), left out
+ps-bulkRouting-13~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkRouting{~pick(AcquisitionMode, "MultiFrame"),\n    ~~bulkRouting step 13, pick(AcquisitionMode, "MultiFrame"), left out
+ps-bulkRouting-14~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkRouting{~pick(AcquisitionMode, "MultiFrame"),\n    step(CheckRouting),\n    ~pick(AcquisitionMode, "MultiFrame"),\n    ~bulkRouting step 14, step(CheckRouting), left out
+ps-bulkRouting-15~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkRouting{~\n    pick(TriggerMode, "On"),~~bulkRouting step 15, pick(TriggerMode, "On"), left out
+ps-edgeExposureAuto-1~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeExposureAuto{~step(AllTriggersOff),         ~~edgeExposureAuto step 1, step(AllTriggersOff), left out
+ps-edgeExposureAuto-2~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeExposureAuto{~pick(TriggerSelector, "FrameStart"), ~~edgeExposureAuto step 2, pick(TriggerSelector, "FrameStart"), left out
+ps-edgeExposureAuto-3~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeExposureAuto{~pick(Activation, "FallingEdge"),\n    ~~edgeExposureAuto step 3, pick(Activation, "FallingEdge"), left out
+ps-edgeExposureAuto-4~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeExposureAuto{~pick(TriggerSource, "Line1"), ~~edgeExposureAuto step 4, pick(TriggerSource, "Line1"), left out
+ps-edgeExposureAuto-5~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeExposureAuto{~pick(AcquisitionMode, "Continuous"), ~~edgeExposureAuto step 5, pick(AcquisitionMode, "Continuous"), left out
+ps-edgeExposureAuto-6~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeExposureAuto{~pick(ExposureAuto, "Off"),\n    ~~edgeExposureAuto step 6, pick(ExposureAuto, "Off"), left out
+ps-edgeExposureAuto-7~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeExposureAuto{~step(ProcessEvents),          ~~edgeExposureAuto step 7, step(ProcessEvents), left out
+ps-edgeExposureAuto-8~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeExposureAuto{~pick(TriggerSource, "Line1"),        ~~edgeExposureAuto step 8, pick(TriggerSource, "Line1"), left out
+ps-edgeExposureAuto-9~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeExposureAuto{~        pick(TriggerMode, "On"),~~edgeExposureAuto step 9, pick(TriggerMode, "On"), left out
+ps-levelExposureAuto-1~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps levelExposureAuto{~step(AllTriggersOff),         ~~levelExposureAuto step 1, step(AllTriggersOff), left out
+ps-levelExposureAuto-2~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps levelExposureAuto{~pick(TriggerSelector, "FrameStart"),\n    ~~levelExposureAuto step 2, pick(TriggerSelector, "FrameStart"), left out
+ps-levelExposureAuto-3~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps levelExposureAuto{~pick(TriggerSource, "Line1"), ~~levelExposureAuto step 3, pick(TriggerSource, "Line1"), left out
+ps-levelExposureAuto-4~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps levelExposureAuto{~pick(AcquisitionMode, "Continuous"),\n    ~~levelExposureAuto step 4, pick(AcquisitionMode, "Continuous"), left out
+ps-levelExposureAuto-5~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps levelExposureAuto{~pick(ExposureAuto, "other"),  ~~levelExposureAuto step 5, pick(ExposureAuto, "other"), left out
+ps-levelExposureAuto-6~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps levelExposureAuto{~step(ProcessEvents),\n    ~~levelExposureAuto step 6, step(ProcessEvents), left out
+ps-levelExposureAuto-7~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps levelExposureAuto{~step(ProcessEvents),\n    pick(TriggerSource, "Line1"), ~step(ProcessEvents),\n    ~levelExposureAuto step 7, pick(TriggerSource, "Line1"), left out
+ps-levelExposureAuto-8~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps levelExposureAuto{~pick(Activation, "LevelLow"),\n    ~~levelExposureAuto step 8, pick(Activation, "LevelLow"), left out
+ps-levelExposureAuto-9~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps levelExposureAuto{~\n    pick(TriggerMode, "On"),~~levelExposureAuto step 9, pick(TriggerMode, "On"), left out
+ps-bulkExposureAuto-1~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkExposureAuto{~step(AllTriggersOff),\n    ~~bulkExposureAuto step 1, step(AllTriggersOff), left out
+ps-bulkExposureAuto-2~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkExposureAuto{~pick(TriggerSelector, "AcquisitionStart"),\n    ~~bulkExposureAuto step 2, pick(TriggerSelector, "AcquisitionStart"), left out
+ps-bulkExposureAuto-3~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkExposureAuto{~pick(TriggerSource, "Line1"),\n    ~~bulkExposureAuto step 3, pick(TriggerSource, "Line1"), left out
+ps-bulkExposureAuto-4~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkExposureAuto{~pick(AcquisitionMode, "MultiFrame"),\n    ~~bulkExposureAuto step 4, pick(AcquisitionMode, "MultiFrame"), left out
+ps-bulkExposureAuto-5~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkExposureAuto{~pick(ExposureAuto, "Off"),\n    ~~bulkExposureAuto step 5, pick(ExposureAuto, "Off"), left out
+ps-bulkExposureAuto-6~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkExposureAuto{~step(FrameCount10),\n    ~~bulkExposureAuto step 6, step(FrameCount10), left out
+ps-bulkExposureAuto-7~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkExposureAuto{~step(ProcessEvents),\n    ~~bulkExposureAuto step 7, step(ProcessEvents), left out
+ps-bulkExposureAuto-8~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkExposureAuto{~step(ProcessEvents),\n    pick(TriggerSource, "Line1"),\n    ~step(ProcessEvents),\n    ~bulkExposureAuto step 8, pick(TriggerSource, "Line1"), left out
+ps-bulkExposureAuto-9~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkExposureAuto{~pick(Activation, "FallinEdge"),\n    ~~bulkExposureAuto step 9, pick(Activation, "FallinEdge"), left out
+ps-bulkExposureAuto-10~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkExposureAuto{~\n    pick(TriggerMode, "On"),~~bulkExposureAuto step 10, pick(TriggerMode, "On"), left out
+ps-edgeOrLevelExposureMode-1~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeOrLevelExposureMode{~pick(ExposureMode, presetValue),\n    ~~edgeOrLevelExposureMode step 1, pick(ExposureMode, presetValue), left out
+ps-edgeOrLevelExposureMode-2~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeOrLevelExposureMode{~pick(TriggerSelector, "AcquisitionStart"),\n    ~~edgeOrLevelExposureMode step 2, pick(TriggerSelector, "AcquisitionStart"), left out
+ps-edgeOrLevelExposureMode-3~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeOrLevelExposureMode{~step(ProcessEvents),\n    ~~edgeOrLevelExposureMode step 3, step(ProcessEvents), left out
+ps-edgeOrLevelExposureMode-4~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeOrLevelExposureMode{~pick(TriggerMode, "Off"),\n    ~~edgeOrLevelExposureMode step 4, pick(TriggerMode, "Off"), left out
+ps-edgeOrLevelExposureMode-5~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeOrLevelExposureMode{~pick(TriggerSelector, "FrameStart"),\n    ~~edgeOrLevelExposureMode step 5, pick(TriggerSelector, "FrameStart"), left out
+ps-edgeOrLevelExposureMode-6~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeOrLevelExposureMode{~pick(TriggerSelector, "FrameStart"),\n    step(ProcessEvents),\n    ~pick(TriggerSelector, "FrameStart"),\n    ~edgeOrLevelExposureMode step 6, step(ProcessEvents), left out
+ps-edgeOrLevelExposureMode-7~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeOrLevelExposureMode{~pick(TriggerSelector, "FrameStart"),\n    step(ProcessEvents),\n    pick(TriggerMode, "Off"),\n    ~pick(TriggerSelector, "FrameStart"),\n    step(ProcessEvents),\n    ~edgeOrLevelExposureMode step 7, pick(TriggerMode, "Off"), left out
+ps-edgeOrLevelExposureMode-8~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeOrLevelExposureMode{~step(SelectFirstInput, TriggerSource),\n    ~~edgeOrLevelExposureMode step 8, step(SelectFirstInput, TriggerSource), left out
+ps-edgeOrLevelExposureMode-9~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeOrLevelExposureMode{~pick(Activation, "FallingEdge"),\n    ~~edgeOrLevelExposureMode step 9, pick(Activation, "FallingEdge"), left out
+ps-edgeOrLevelExposureMode-10~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeOrLevelExposureMode{~pick(AcquisitionMode, "Continuous"),\n    ~~edgeOrLevelExposureMode step 10, pick(AcquisitionMode, "Continuous"), left out
+ps-edgeOrLevelExposureMode-11~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps edgeOrLevelExposureMode{~\n    pick(TriggerMode, "On"),~~edgeOrLevelExposureMode step 11, pick(TriggerMode, "On"), left out
+ps-bulkExposureMode-1~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkExposureMode{~pick(ExposureMode, "Timed"),\n    ~~bulkExposureMode step 1, pick(ExposureMode, "Timed"), left out
+ps-bulkExposureMode-2~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkExposureMode{~pick(TriggerSelector, "FrameStart"),\n    ~~bulkExposureMode step 2, pick(TriggerSelector, "FrameStart"), left out
+ps-bulkExposureMode-3~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkExposureMode{~step(ProcessEvents),\n    ~~bulkExposureMode step 3, step(ProcessEvents), left out
+ps-bulkExposureMode-4~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkExposureMode{~pick(TriggerMode, "Off"),\n    ~~bulkExposureMode step 4, pick(TriggerMode, "Off"), left out
+ps-bulkExposureMode-5~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkExposureMode{~pick(TriggerSelector, "AcquisitionStart"),\n    ~~bulkExposureMode step 5, pick(TriggerSelector, "AcquisitionStart"), left out
+ps-bulkExposureMode-6~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkExposureMode{~step(Wait200ms),\n    ~~bulkExposureMode step 6, step(Wait200ms), left out
+ps-bulkExposureMode-7~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkExposureMode{~step(Wait200ms),\n    pick(TriggerMode, "Off"),\n    ~step(Wait200ms),\n    ~bulkExposureMode step 7, pick(TriggerMode, "Off"), left out
+ps-bulkExposureMode-8~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkExposureMode{~step(SelectFirstInput, TriggerSource),\n    ~~bulkExposureMode step 8, step(SelectFirstInput, TriggerSource), left out
+ps-bulkExposureMode-9~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkExposureMode{~pick(Activation, "FallingEdge"),\n    ~~bulkExposureMode step 9, pick(Activation, "FallingEdge"), left out
+ps-bulkExposureMode-10~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkExposureMode{~pick(AcquisitionMode, "MultiFrame"),\n    ~~bulkExposureMode step 10, pick(AcquisitionMode, "MultiFrame"), left out
+ps-bulkExposureMode-11~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkExposureMode{~step(FrameCount10),\n    ~~bulkExposureMode step 11, step(FrameCount10), left out
+ps-bulkExposureMode-12~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkExposureMode{~\n    pick(TriggerMode, "On"),~~bulkExposureMode step 12, pick(TriggerMode, "On"), left out
 LIST
 )
 
 [ -d "$build" ] || { echo "no build in $build: configure one first" >&2; exit 2; }
 caught=0; missed=0; stale=0
+declare -A k_all k_caught k_missed
 
 # The file with a fault in it goes back however the script ends (Ctrl-C, kill, an error).
 planted=""
@@ -59,24 +282,69 @@ restore() {
 trap restore EXIT
 trap 'exit 130' INT
 trap 'exit 143' TERM HUP
-while IFS='~' read -r id file from to what; do
+
+# The tests the filter picks, the fast ones first.
+tests=$(cd "$build" && ctest -N -R "$filter" -E "$exclude" | sed -n 's/^ *Test *#[0-9]*: //p')
+early=$(grep -E "$first" <<<"$tests" | paste -sd'|')
+fast=$(grep -Ev "$first|$slow" <<<"$tests" | paste -sd'|')
+rest=$(grep -E "$slow" <<<"$tests" | paste -sd'|')
+# Builds and runs one round after the other; 2 when a build fails, 1 when a test
+# fails. Only the test programs of a round are built (with what they need), all
+# of the tree when a round has a test that is no program of its own.
+run_tests() { # log file
+    local group test targets
+    for group in "$early" "$fast" "$rest"; do
+        [ -n "$group" ] || continue
+        targets=()
+        for test in ${group//|/ }; do
+            [[ $test == tst_* ]] && targets+=("$test") || { targets=(all); break; }
+        done
+        cmake --build "$build" -j"$jobs" --target "${targets[@]}" >/tmp/plant-build.log 2>&1 || return 2
+        (cd "$build" && ctest -R "^($group)\$" -j"$jobs" --stop-on-failure --output-on-failure --timeout "$timeout") >>"$1" 2>&1 || return 1
+    done
+}
+
+while IFS='~' read -r id kind spot from to what; do
     [ -n "$id" ] || continue
-    if [ "$only" != "  " ] && [[ "$only" != *" $id "* ]]; then continue; fi
+    if [ "$only" != "  " ] && [[ "$only" != *" $id "* ]] && [[ "$only" != *" $kind "* ]]; then continue; fi
+    file=${spot%%@*}
+    anchor=""; [[ "$spot" == *@* ]] && anchor=${spot#*@}
+    k_all[$kind]=$(( ${k_all[$kind]:-0} + 1 ))
     cp "$file" "$file.orig"
     planted=$file
-    if ! FROM="$from" TO="$to" perl -0pi -e 'BEGIN{$f=$ENV{FROM}; $t=$ENV{TO}; $f=~s/\\n/\n/g; $t=~s/\\n/\n/g;} $n += s/\Q$f\E/$t/; END{exit($n == 1 ? 0 : 1)}' "$file"; then
-        mv "$file.orig" "$file"; planted=""; echo "STALE   $id: its text is no longer in $file"; stale=$((stale + 1)); continue
+    if ! FROM="$from" TO="$to" ANCHOR="$anchor" perl -0pi -e '
+            BEGIN { ($f, $t) = ($ENV{FROM}, $ENV{TO}); s/\\n/\n/g for $f, $t; }
+            my $start = 0;
+            if (length $ENV{ANCHOR}) { $start = index($_, $ENV{ANCHOR}); $ok = $start >= 0; }
+            else { my $n = () = /\Q$f\E/g; $ok = $n == 1; }
+            my $at = $ok ? index($_, $f, $start) : -1;
+            if ($at >= 0) { substr($_, $at, length $f) = $t; } else { $ok = 0; }
+            END { exit($ok ? 0 : 1) }' "$file"; then
+        mv "$file.orig" "$file"; planted=""
+        echo "STALE   $id: its text is not once in $file"; stale=$((stale + 1)); continue
     fi
-    if ! cmake --build "$build" -j"$(nproc)" >/tmp/plant-build.log 2>&1; then
-        echo "BUILD   $id: does not compile (see /tmp/plant-build.log)"
-    elif (cd "$build" && ctest -R "$filter" -j"$(nproc)" --timeout 300 >/tmp/plant-$id.log 2>&1); then
-        echo "MISSED  $id: $what"; missed=$((missed + 1))
+    : >"/tmp/plant-$id.log"
+    result=0
+    [ -n "${PLANT_CHECK:-}" ] || { run_tests "/tmp/plant-$id.log"; result=$?; }
+    if [ -n "${PLANT_CHECK:-}" ]; then
+        echo "PLANTS  $id"
+    elif [ $result = 2 ]; then
+        echo "BUILD   $id: does not compile (see /tmp/plant-build.log)"; stale=$((stale + 1))
+    elif [ $result = 0 ]; then
+        echo "MISSED  $id ($kind): $what"; missed=$((missed + 1)); k_missed[$kind]=$(( ${k_missed[$kind]:-0} + 1 ))
     else
-        echo "CAUGHT  $id: $(grep -E '^\s*[0-9]+ - ' /tmp/plant-$id.log | awk '{print $3}' | tr '\n' ' ')"; caught=$((caught + 1))
+        echo "CAUGHT  $id ($kind): $(grep -E '^\s*[0-9]+ - ' "/tmp/plant-$id.log" | awk '{print $3}' | tr '\n' ' ')"
+        caught=$((caught + 1)); k_caught[$kind]=$(( ${k_caught[$kind]:-0} + 1 ))
     fi
     mv "$file.orig" "$file"
     touch "$file"
     planted=""
 done <<<"$faults"
-cmake --build "$build" -j"$(nproc)" >/dev/null 2>&1
+cmake --build "$build" -j"$jobs" >/dev/null 2>&1
+echo
+printf '%-12s %6s %7s %7s\n' kind faults caught missed
+for kind in dispatch preset-step literal size alt-order restore row-limit other; do
+    [ -n "${k_all[$kind]:-}" ] || continue
+    printf '%-12s %6d %7d %7d\n' "$kind" "${k_all[$kind]}" "${k_caught[$kind]:-0}" "${k_missed[$kind]:-0}"
+done
 echo "$caught caught, $missed missed, $stale stale"

@@ -60,7 +60,7 @@ void tst_BaseTabPluginWidget::changesReachTheTick()
         tab.show();
         QCOMPARE(tab.passes, (QList<QStringList>{{"TriggerMode", "TriggerSource"}}));
         QVERIFY(tab.m_pUpdateTimer->isActive());
-        QTRY_COMPARE_WITH_TIMEOUT(tab.passes.size(), 2, 3000); // the first tick empties the list
+        QTRY_COMPARE_WITH_TIMEOUT(tab.passes.size(), 2, 20000); // the first tick empties the list
         QVERIFY(tab.changed().isEmpty());
 
         for (int i = 0; i < 5; ++i)
@@ -68,7 +68,7 @@ void tst_BaseTabPluginWidget::changesReachTheTick()
         cam.notify("Width");
         cam.waitForNotifications();
         QTRY_COMPARE(tab.changed(), QStringList{"TriggerSource"});
-        QTRY_COMPARE_WITH_TIMEOUT(tab.passes.size(), 3, 3000);
+        QTRY_COMPARE_WITH_TIMEOUT(tab.passes.size(), 3, 20000);
         QCOMPARE(tab.passes.at(2), QStringList{"TriggerSource"});
         QCOMPARE(cam.observerCount("TriggerSource"), 1);
 

@@ -46,15 +46,16 @@ void addLines(TestCamera& cam, const QStringList& modes, bool userOutputs)
     }
 }
 
-void addSyncOuts(TestCamera& cam, const QString& prefix, int outputs)
+void addSyncOuts(TestCamera& cam, const QString& prefix, int outputs, const QString& source = "Exposing",
+                 const QString& polarity = "Normal", bool writable = true)
 {
     QStringList entries;
     for (int i = 1; i <= outputs; ++i)
         entries << QString("SyncOut%1").arg(i);
     cam.addEnum(prefix + "Selector", entries, entries.first());
-    cam.addEnum(prefix + "Source", {"GPO", "Exposing", "Readout"}, "Exposing").selectedBy(prefix + "Selector");
-    cam.addEnum(prefix + "Polarity", {"Normal", "Invert"}, "Normal").selectedBy(prefix + "Selector");
-    cam.add(prefix + "Levels", OrvFeatureDataInt, 0, 0, 1LL << 40);
+    cam.addEnum(prefix + "Source", {"GPO", "Exposing", "Readout"}, source).selectedBy(prefix + "Selector");
+    cam.addEnum(prefix + "Polarity", {"Normal", "Invert"}, polarity).selectedBy(prefix + "Selector").writable(writable);
+    cam.add(prefix + "Levels", OrvFeatureDataInt, 0, 0, 1LL << 40).writable(writable);
 }
 
 } // namespace
@@ -84,12 +85,24 @@ void build(TestCamera& cam, const QString& name)
         cam.addEnum("ExposureAuto", {"Off", "Once", "Continuous", "other"}, "Continuous");
         cam.addEnum("ExposureMode", {"Timed", "TriggerWidth"}, "Timed");
     }
-    else if (name == "lineout")
+    else if (name == "lineout" || name == "both")
     {
         addTrigger(cam, {"FrameStart", "AcquisitionStart"}, {"Software", "Line0", "Line1", "InputLines"},
                    {"RisingEdge", "FallingEdge", "FallinEdge", "LowLevel", "LevelLow"});
         cam.addEnum("ExposureAuto", {"Off", "Continuous"}, "Off");
         addSyncOuts(cam, "LineOut", 2);
+        if (name == "both")
+        {
+            addSyncOuts(cam, "SyncOut", 3, "Readout", "Invert", false);
+            cam.set("LineOutSelector", "SyncOut2");
+            cam.set("SyncOutLevels", 5);
+        }
+    }
+    else if (name == "mixed")
+    {
+        addTrigger(cam, {"FrameStart", "AcquisitionStart"}, {"Software", "Line0"}, {"RisingEdge", "FallingEdge"});
+        addLines(cam, {"Input", "Output", "Switch", "Switch"}, true);
+        addSyncOuts(cam, "SyncOut", 2);
     }
 }
 

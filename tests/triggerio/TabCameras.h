@@ -5,21 +5,15 @@
 
 #include <QStringList>
 
-// In-memory cameras of every family the Trigger IO tab serves, with the write
-// journal the tab tests compare:
-//   routing   "ExposureMode" with an input line routed to the trigger
-//             ("LineRouting"), output lines through "LineSelector" with user
-//             outputs, Line2 switchable between input and output
-//   expmode   "ExposureMode" without routing; Line0 an output, no user outputs
-//   syncout   "ExposureAuto" offering "other"; sync outputs "SyncOut1..3" with
-//             a level mask "SyncOutLevels"
-//   lineout   no exposure control, "FallinEdge" offered; "LineOut..." outputs
-//             with "LineOutLevels"
-// All start with the trigger off, acquisition "SingleFrame", frame count 1.
+// In-memory cameras of every family the Trigger IO tab serves (build() tells
+// what each has); all start with the trigger off, acquisition "SingleFrame",
+// frame count 1. "mixed" has sync outputs beside its output lines; "both" is
+// "lineout" with the sync outputs under their other names too, differing in
+// every value and in writability.
 namespace TabCameras
 {
 
-const QStringList Names{"routing", "expmode", "syncout", "lineout"};
+const QStringList Names{"routing", "expmode", "syncout", "lineout", "mixed", "both"};
 
 void build(TestCam::TestCamera& cam, const QString& name);
 
