@@ -205,6 +205,8 @@ const QList<QPair<QString, Action>>& scenarios()
             {"edge after camera changes", afterChanges(&TabAccess::m_pButtonEdge)},
             {"level after camera changes", afterChanges(&TabAccess::m_pButtonLevel)},
             {"bulk after camera changes", afterChanges(&TabAccess::m_pButtonBulk)},
+            {"level then bulk",
+             [](TabAccess& t, TestCamera&) { (t.m_pButtonLevel->click(), t.m_pButtonBulk->click()); }},
             {"sw trigger", [](TabAccess& t, TestCamera&) { t.m_pButtonSWTrigger->click(); }},
             {"trigger selector", [](TabAccess& t, TestCamera&) { pickLast(t.m_pComboTriggerSelector); }},
             {"trigger source", [](TabAccess& t, TestCamera&) { pickLast(t.m_pComboTriggerSource); }},
