@@ -87,6 +87,7 @@ const QList<Call>& calls()
         CALL(GetIsFeatureAvailable("Missing", "", "Bool")),
         CALL(GetFeatureName({"Missing", "String", "Enum"})),
         CALL(GetDisplayName("Missing", "Enum")),
+        CALL(GetDisplayName("Bool", "", "Enum")),
 
         CALL(GetIsFeatureWritable("ReadOnlyInt")),
         CALL(GetIsWritable("Missing", "", "Bool")),

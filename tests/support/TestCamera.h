@@ -11,12 +11,7 @@
 // An in-memory camera for what a GenICam engine cannot give tests: an ordered
 // journal of every write and command, faults injected on any operation, and
 // change notifications delivered on a thread of its own (as a camera API does).
-//
-//   TestCamera cam;
-//   cam.addEnum("LineSelector", {"Line0", "Line1"}, "Line0");
-//   cam.addEnum("LineMode", {"Input", "Output"}, "Input").selectedBy("LineSelector");
-//   cam.set("LineMode", "Output", "Line1");
-//   FeatureList features = cam.features();
+// tests/triggerio/TabCameras.cpp shows its use.
 namespace TestCam
 {
 

@@ -54,7 +54,10 @@ void addSyncOuts(TestCamera& cam, const QString& prefix, int outputs, const QStr
         entries << QString("SyncOut%1").arg(i);
     cam.addEnum(prefix + "Selector", entries, entries.first());
     cam.addEnum(prefix + "Source", {"GPO", "Exposing", "Readout"}, source).selectedBy(prefix + "Selector");
-    cam.addEnum(prefix + "Polarity", {"Normal", "Invert"}, polarity).selectedBy(prefix + "Selector").writable(writable);
+    cam.addEnum(prefix + "Polarity", {"Normal", "Invert"}, polarity)
+        .selectedBy(prefix + "Selector")
+        .writable(writable)
+        .displayName(writable ? prefix + "Polarity" : "Output inverter"); // read-only ones named otherwise too
     cam.add(prefix + "Levels", OrvFeatureDataInt, 0, 0, 1LL << 40).writable(writable);
 }
 

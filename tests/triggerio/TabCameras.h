@@ -9,7 +9,7 @@
 // what each has); all start with the trigger off, acquisition "SingleFrame",
 // frame count 1. "mixed" has sync outputs beside its output lines; "both" is
 // "lineout" with the sync outputs under their other names too, differing in
-// every value and in writability.
+// every value, in writability and in the polarity's display name.
 namespace TabCameras
 {
 

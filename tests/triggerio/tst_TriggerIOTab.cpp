@@ -206,11 +206,7 @@ const QList<QPair<QString, Action>>& scenarios()
             {"level after camera changes", afterChanges(&TabAccess::m_pButtonLevel)},
             {"bulk after camera changes", afterChanges(&TabAccess::m_pButtonBulk)},
             {"level then bulk",
-             [](TabAccess& t, TestCamera&)
-             {
-                 t.m_pButtonLevel->click();
-                 t.m_pButtonBulk->click();
-             }},
+             [](TabAccess& t, TestCamera&) { (t.m_pButtonLevel->click(), t.m_pButtonBulk->click()); }},
             {"sw trigger", [](TabAccess& t, TestCamera&) { t.m_pButtonSWTrigger->click(); }},
             {"trigger selector", [](TabAccess& t, TestCamera&) { pickLast(t.m_pComboTriggerSelector); }},
             {"trigger source", [](TabAccess& t, TestCamera&) { pickLast(t.m_pComboTriggerSource); }},
@@ -222,16 +218,21 @@ const QList<QPair<QString, Action>>& scenarios()
              { pickLast(t.m_pComboExposureMode ? t.m_pComboExposureMode : t.m_pComboExposureAuto); }},
             {"input line", [](TabAccess& t, TestCamera&) { pickLast(t.m_pComboInputLineSelector); }},
             {"routing", [](TabAccess& t, TestCamera&) { toggle(t.m_pCBLineRouting); }},
-            {"output source",
-             [](TabAccess& t, TestCamera&)
+            {"edits after camera changes",
+             [](TabAccess& t, TestCamera& cam)
              {
-                 if (!t.m_OutputRows.isEmpty())
-                     t.m_OutputRows.first()->m_pComboSource->setCurrentIndex(0);
+                 cameraChanges(t, cam);
+                 pickLast(t.m_pComboInputLineSelector);
+                 const QSharedPointer<OutputRow> first = t.m_OutputRows.first(), last = t.m_OutputRows.last();
+                 first->m_pComboSource->setCurrentIndex(0); // the rows now differ
+                 toggle(first->m_pCBUserValue.data());
+                 for (QCheckBox* box : {last->m_pCBInvert.data(), last->m_pCBStatus.data()})
+                 {
+                     for (const char* selector : {"LineSelector", "SyncOutSelector", "LineOutSelector"})
+                         cam.fail(selector, "SetString", OrvErrorInvalidAccess, 1); // the first row skipped
+                     toggle(box);
+                 }
              }},
-            {"invert", [](TabAccess& t, TestCamera&)
-             { toggle(t.m_OutputRows.isEmpty() ? nullptr : t.m_OutputRows.last()->m_pCBInvert.data()); }},
-            {"status", [](TabAccess& t, TestCamera&)
-             { toggle(t.m_OutputRows.isEmpty() ? nullptr : t.m_OutputRows.last()->m_pCBStatus.data()); }},
             {"shared user value",
              [](TabAccess& t, TestCamera& cam)
              {
