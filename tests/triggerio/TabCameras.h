@@ -5,11 +5,10 @@
 
 #include <QStringList>
 
-// In-memory cameras of every family the Trigger IO tab serves (build() tells
-// what each has); all start with the trigger off, acquisition "SingleFrame",
-// frame count 1. "mixed" has sync outputs beside its output lines; "both" is
-// "lineout" with the sync outputs under their other names too, differing in
-// every value, in writability and in the polarity's display name.
+// In-memory cameras of every family the tab serves (build() tells what each has),
+// all with the trigger off, acquisition "SingleFrame", frame count 1. "mixed": sync
+// outputs beside output lines; "both": "lineout" with the sync outputs also under
+// their other names, which differ in values, writability and polarity caption.
 namespace TabCameras
 {
 

@@ -223,6 +223,7 @@ const QList<QPair<QString, Action>>& scenarios()
              {
                  cameraChanges(t, cam);
                  pickLast(t.m_pComboInputLineSelector);
+                 t.m_pButtonEdge->click(); // back to Line0
                  const QSharedPointer<OutputRow> first = t.m_OutputRows.first(), last = t.m_OutputRows.last();
                  first->m_pComboSource->setCurrentIndex(0); // the rows now differ
                  toggle(first->m_pCBUserValue.data());
