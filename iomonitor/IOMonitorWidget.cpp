@@ -205,7 +205,12 @@ void IOMonitorWidget::showRows()
     const qint64 from = m_lastSampleMs - ui->sb_Window->value() * 1000;
     for (const std::unique_ptr<Row>& row : m_rows)
     {
-        row->lamp->setStyleSheet(lampStyle(row->trace.level()));
+        // A style sheet costs a restyle of the lamp: set only when the level changed.
+        if (row->lampLevel != row->trace.level() || row->lamp->styleSheet().isEmpty())
+        {
+            row->lampLevel = row->trace.level();
+            row->lamp->setStyleSheet(lampStyle(row->lampLevel));
+        }
         row->edges->setText(QString::fromUtf8("\u2191%1 \u2193%2").arg(row->trace.rising()).arg(row->trace.falling()));
         row->strip->setWindow(from, m_lastSampleMs);
     }

@@ -75,6 +75,7 @@ private:
         QLabel* lamp = nullptr;
         TraceStrip* strip = nullptr;
         QLabel* edges = nullptr;
+        int lampLevel = SignalTrace::Unknown; // the level the lamp shows
     };
 
     void addRow(const QString& name, const QString& kind);

@@ -40,6 +40,7 @@ LineSampler::LineSampler(const FeatureList& features)
     if (!lineNames.isEmpty())
     {
         m_selector = m_features.GetFeatureByName(QString("LineSelector"));
+        m_names = lineNames;
         m_status = m_features.GetFeatureByName(QString("LineStatus"));
         m_mode = m_features.GetFeatureByName(QString("LineMode"));
         const QVector<int> bits = statusBits(lineNames);
@@ -83,7 +84,7 @@ void LineSampler::readDirections()
 {
     if (!m_selector || !m_mode)
         return;
-    SelectorWalk::walk(m_selector, names(), [this](int i) {
+    SelectorWalk::walk(m_selector, m_names, [this](int i) {
         std::string mode;
         m_lines[i].direction = m_mode->GetValue(mode) == OrvErrorSuccess ? QString::fromStdString(mode) : QString();
     });
@@ -119,7 +120,7 @@ QVector<int> LineSampler::sampleStatusAll()
 QVector<int> LineSampler::sampleStatusWalk()
 {
     QVector<int> levels(m_lines.size(), Unknown);
-    SelectorWalk::walk(m_selector, names(), [&](int i) {
+    SelectorWalk::walk(m_selector, m_names, [&](int i) {
         bool high = false;
         if (m_status->GetValue(high) == OrvErrorSuccess)
             levels[i] = high ? 1 : 0;
@@ -141,14 +142,6 @@ QVector<int> LineSampler::sampleMasks()
             levels[i] = int((quint64(line.inputMask ? inputs : outputs) >> (line.bit % 64)) & 1);
     }
     return levels;
-}
-
-QStringList LineSampler::names() const
-{
-    QStringList names;
-    for (const Line& line : m_lines)
-        names << line.name;
-    return names;
 }
 
 bool LineSampler::readInteger(const FeatureManager::FeaturePtr& feature, long long* value)

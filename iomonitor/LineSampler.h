@@ -58,12 +58,12 @@ private:
     QVector<int> sampleStatusAll();
     QVector<int> sampleStatusWalk();
     QVector<int> sampleMasks();
-    QStringList names() const;
     // The feature's integer value, or false when the read failed.
     static bool readInteger(const FeatureManager::FeaturePtr& feature, long long* value);
 
     FeatureManager m_features;
     QVector<Line> m_lines;
+    QStringList m_names; // the line family's lines, as the selector names them
     Source m_source = NoLevels;
     FeatureManager::FeaturePtr m_selector;
     FeatureManager::FeaturePtr m_statusAll;
