@@ -68,8 +68,8 @@ void build(TestCamera& cam, const QString& name)
     if (name == "routing")
     {
         addTrigger(cam, {"AcquisitionStart", "ExposureStart", "ExposureActive"}, {"Software", "InputLines"},
-                   {"RisingEdge", "FallingEdge", "LowLevel", "HighLevel"});
-        cam.addEnum("ExposureMode", {"Timed", "TriggerWidth"}, "Timed");
+                   {"RisingEdge", "FallingEdge", "FallinEdge", "LowLevel", "HighLevel"});
+        cam.addEnum("ExposureMode", {"Timed", "TriggerWidth", "TriggerControlled"}, "Timed");
         addLines(cam, {"Input", "Output", "Switch", "Output"}, true);
         cam.addEnum("LineRouting", {"Off", "Trigger"}, "Off").selectedBy("LineSelector");
     }
@@ -92,7 +92,9 @@ void build(TestCamera& cam, const QString& name)
     {
         addTrigger(cam, {"FrameStart", "AcquisitionStart"}, {"Software", "Line0", "Line1", "InputLines"},
                    {"RisingEdge", "FallingEdge", "FallinEdge", "LowLevel", "LevelLow"});
-        cam.addEnum("ExposureAuto", {"Off", "Continuous"}, "Off");
+        // "both" runs the exposure-auto presets, with the misspelt activation on offer.
+        cam.addEnum("ExposureAuto", name == "both" ? QStringList{"Off", "Continuous", "other"}
+                                                   : QStringList{"Off", "Continuous"}, "Off");
         addSyncOuts(cam, "LineOut", 2);
         if (name == "both")
         {

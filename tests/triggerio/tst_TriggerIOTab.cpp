@@ -139,21 +139,26 @@ void cameraChanges(TabAccess& tab, TestCamera& cam, const QStringList& names = {
     tab.refresh(names.isEmpty() ? tab.m_ObservedFeatures : names);
 }
 
-// The camera changes, then a preset with a self-reposting queued call marking each
-// event-loop pass after a write (a zero timer would fire only at idle priority).
-Action afterChanges(QPushButton* TabAccess::*button)
+// A preset with a self-reposting queued call run at every event-loop pass (a zero
+// timer would fire only at idle priority). With changes: the camera changes first,
+// and a pass after a write is marked. Without: the camera refuses the preset's
+// first source write, and each pass reads the source back, as a tick does once
+// the camera reports it.
+Action presetWithPasses(QPushButton* TabAccess::*button, bool changes)
 {
-    return [button](TabAccess& t, TestCamera& cam)
+    return [button, changes](TabAccess& t, TestCamera& cam)
     {
-        cameraChanges(t, cam);
+        changes ? cameraChanges(t, cam) : cam.fail("TriggerSource", "SetString", OrvErrorInvalidAccess, 1);
         QObject context; // its pending call goes with it
-        std::function<void()> mark = [&]
+        std::function<void()> pass = [&]
         {
-            if (!(g_taken += cam.takeJournal()).isEmpty() && g_taken.last() != "(events)")
+            if (!changes)
+                t.refresh({"TriggerSource"});
+            else if (!(g_taken += cam.takeJournal()).isEmpty() && g_taken.last() != "(events)")
                 g_taken << "(events)";
-            QMetaObject::invokeMethod(&context, mark, Qt::QueuedConnection);
+            QMetaObject::invokeMethod(&context, pass, Qt::QueuedConnection);
         };
-        QMetaObject::invokeMethod(&context, mark, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(&context, pass, Qt::QueuedConnection);
         (t.*button)->click();
     };
 }
@@ -202,9 +207,16 @@ const QList<QPair<QString, Action>>& scenarios()
             {"edge", [](TabAccess& t, TestCamera&) { t.m_pButtonEdge->click(); }},
             {"level", [](TabAccess& t, TestCamera&) { t.m_pButtonLevel->click(); }},
             {"bulk", [](TabAccess& t, TestCamera&) { t.m_pButtonBulk->click(); }},
-            {"edge after camera changes", afterChanges(&TabAccess::m_pButtonEdge)},
-            {"level after camera changes", afterChanges(&TabAccess::m_pButtonLevel)},
-            {"bulk after camera changes", afterChanges(&TabAccess::m_pButtonBulk)},
+            {"edge after camera changes", presetWithPasses(&TabAccess::m_pButtonEdge, true)},
+            {"level after camera changes", presetWithPasses(&TabAccess::m_pButtonLevel, true)},
+            {"bulk after camera changes", presetWithPasses(&TabAccess::m_pButtonBulk, true)},
+            {"edge, source refused once", presetWithPasses(&TabAccess::m_pButtonEdge, false)},
+            {"level, source refused once", presetWithPasses(&TabAccess::m_pButtonLevel, false)},
+            {"bulk, source refused once", presetWithPasses(&TabAccess::m_pButtonBulk, false)},
+            {"level after other picks",
+             [](TabAccess& t, TestCamera&) { (pickLast(t.m_pComboInputLineSelector), t.m_pButtonLevel->click()); }},
+            {"bulk after other picks", [](TabAccess& t, TestCamera&)
+             { (pickLast(t.m_pComboExposureMode), pickLast(t.m_pComboInputLineSelector), t.m_pButtonBulk->click()); }},
             {"level then bulk",
              [](TabAccess& t, TestCamera&) { (t.m_pButtonLevel->click(), t.m_pButtonBulk->click()); }},
             {"sw trigger", [](TabAccess& t, TestCamera&) { t.m_pButtonSWTrigger->click(); }},
