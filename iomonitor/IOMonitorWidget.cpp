@@ -92,6 +92,7 @@ void IOMonitorWidget::addRow(const QString& name, const QString& kind)
     row->trace.setKind(kind);
     row->strip = new TraceStrip(&row->trace);
     row->lamp->setFixedSize(14, 14);
+    row->lamp->setStyleSheet(lampStyle(row->lampLevel));
     row->edges->setToolTip(tr("Rising and falling edges seen since the last reset"));
     const int r = int(m_rows.size());
     ui->grid_Lines->addWidget(new QLabel(name), r, 0);
@@ -206,7 +207,7 @@ void IOMonitorWidget::showRows()
     for (const std::unique_ptr<Row>& row : m_rows)
     {
         // A style sheet costs a restyle of the lamp: set only when the level changed.
-        if (row->lampLevel != row->trace.level() || row->lamp->styleSheet().isEmpty())
+        if (row->lampLevel != row->trace.level())
         {
             row->lampLevel = row->trace.level();
             row->lamp->setStyleSheet(lampStyle(row->lampLevel));
