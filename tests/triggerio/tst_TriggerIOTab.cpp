@@ -142,18 +142,21 @@ void cameraChanges(TabAccess& tab, TestCamera& cam, const QStringList& names = {
 // A preset with a self-reposting queued call run at every event-loop pass (a zero
 // timer would fire only at idle priority). With changes: the camera changes first,
 // and a pass after a write is marked. Without: the camera refuses the preset's
-// first source write, and each pass reads the source back, as a tick does once
-// the camera reports it.
+// first source write, every trigger is on, and each pass reads the source and
+// the mode back, as a tick does once the camera reports them.
 Action presetWithPasses(QPushButton* TabAccess::*button, bool changes)
 {
     return [button, changes](TabAccess& t, TestCamera& cam)
     {
         changes ? cameraChanges(t, cam) : cam.fail("TriggerSource", "SetString", OrvErrorInvalidAccess, 1);
+        if (!changes)
+            for (const char* selector : {"FrameStart", "AcquisitionStart"})
+                cam.set("TriggerMode", "On", selector);
         QObject context; // its pending call goes with it
         std::function<void()> pass = [&]
         {
             if (!changes)
-                t.refresh({"TriggerSource"});
+                t.refresh({"TriggerSource", "TriggerMode"});
             else if (!(g_taken += cam.takeJournal()).isEmpty() && g_taken.last() != "(events)")
                 g_taken << "(events)";
             QMetaObject::invokeMethod(&context, pass, Qt::QueuedConnection);
@@ -216,7 +219,11 @@ const QList<QPair<QString, Action>>& scenarios()
             {"level after other picks",
              [](TabAccess& t, TestCamera&) { (pickLast(t.m_pComboInputLineSelector), t.m_pButtonLevel->click()); }},
             {"bulk after other picks", [](TabAccess& t, TestCamera&)
-             { (pickLast(t.m_pComboExposureMode), pickLast(t.m_pComboInputLineSelector), t.m_pButtonBulk->click()); }},
+             {
+                 for (QComboBox* combo : {t.m_pComboTriggerSelector, t.m_pComboExposureMode, t.m_pComboInputLineSelector})
+                     pickLast(combo);
+                 t.m_pButtonBulk->click();
+             }},
             {"level then bulk",
              [](TabAccess& t, TestCamera&) { (t.m_pButtonLevel->click(), t.m_pButtonBulk->click()); }},
             {"sw trigger", [](TabAccess& t, TestCamera&) { t.m_pButtonSWTrigger->click(); }},
