@@ -75,13 +75,11 @@ void tst_PluginLoading::tabsFollowTheHostsAcquisition()
     QCOMPARE(plugin()->get(cam.features(), laidOut, nullptr), 0);
     QCOMPARE(laidOut.layout(), own);
     QCOMPARE(own->itemAt(0)->widget()->metaObject()->className(), "IOTriggerWidget");
-    const QList<QLabel*> hints{first.findChild<QLabel*>("l_notAcquireHint"),
-                               second.findChild<QLabel*>("l_notAcquireHint")};
     for (bool on : {true, false})
     {
         emit host.acquiring(on);
-        for (QLabel* hint : hints)
-            QCOMPARE(hint->isHidden(), !on);
+        for (QWidget* parent : {&first, &second})
+            QCOMPARE(parent->findChild<QLabel*>("l_notAcquireHint")->isHidden(), !on);
     }
 }
 

@@ -219,11 +219,8 @@ const QList<QPair<QString, Action>>& scenarios()
             {"level after other picks",
              [](TabAccess& t, TestCamera&) { (pickLast(t.m_pComboInputLineSelector), t.m_pButtonLevel->click()); }},
             {"bulk after other picks", [](TabAccess& t, TestCamera&)
-             {
-                 for (QComboBox* combo : {t.m_pComboTriggerSelector, t.m_pComboExposureMode, t.m_pComboInputLineSelector})
-                     pickLast(combo);
-                 t.m_pButtonBulk->click();
-             }},
+             { (pickLast(t.m_pComboTriggerSelector), pickLast(t.m_pComboExposureMode),
+                pickLast(t.m_pComboInputLineSelector), t.m_pButtonBulk->click()); }},
             {"level then bulk",
              [](TabAccess& t, TestCamera&) { (t.m_pButtonLevel->click(), t.m_pButtonBulk->click()); }},
             {"sw trigger", [](TabAccess& t, TestCamera&) { t.m_pButtonSWTrigger->click(); }},
