@@ -5,7 +5,6 @@
 #include <QMetaObject>
 
 #include <mutex>
-#include <thread>
 
 // What an attempt's thread and the finder share: the finder, as long as it lives.
 struct CameraFinder::Shared
@@ -62,10 +61,10 @@ void CameraFinder::attempt()
     if (!m_searching || m_running)
         return;
     m_running = true;
-    // Opening waits for the link (discovery, control, the description): on a
-    // thread of its own. A result that comes after the finder is gone is
-    // closed there.
-    std::thread(
+    // Opening waits for the link (discovery, control, the description): in
+    // the backend's background, which the viewer waits for before it ends.
+    // A result that comes after the finder is gone is closed there.
+    GenICamCamera::runInBackground(
         [shared = m_shared, id = m_id, serial = m_serial]
         {
             auto camera = std::make_shared<GenICamCamera>();
@@ -81,8 +80,7 @@ void CameraFinder::attempt()
             if (CameraFinder* finder = shared->finder)
                 QMetaObject::invokeMethod(
                     finder, [finder, camera, reason] { finder->arrived(camera, reason); }, Qt::QueuedConnection);
-        })
-        .detach();
+        });
 }
 
 void CameraFinder::arrived(const std::shared_ptr<GenICamCamera>& camera, const QString& reason)

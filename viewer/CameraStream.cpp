@@ -5,8 +5,6 @@
 
 #include "GenICamCamera.h"
 
-#include <thread>
-
 namespace
 {
 
@@ -96,7 +94,7 @@ void CameraStream::stop()
     if (sent)
         g_clear_object(&m_stream);
     else
-        std::thread([stream = m_stream] { g_object_unref(stream); }).detach();
+        GenICamCamera::runInBackground([stream = m_stream] { g_object_unref(stream); });
     m_stream = nullptr;
 }
 

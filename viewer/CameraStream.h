@@ -21,8 +21,8 @@ public:
     // Starts the stream and "AcquisitionStart"; false with a reason on failure.
     bool start(QString* error);
     // "AcquisitionStop" and the stream closed; safe to call when not running.
-    // On a lost camera nothing is sent, and the stream is let go of on a
-    // thread of its own (closing it may wait for the silent link).
+    // On a lost camera nothing is sent, and the stream is let go of in the
+    // backend's background (closing it may wait for the silent link).
     void stop();
     bool isRunning() const;
     int frameCount() const;

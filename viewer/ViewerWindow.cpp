@@ -23,9 +23,7 @@
 namespace
 {
 
-// How often the window asks whether the camera still answers (a flag, no
-// traffic), and how long it waits between two attempts to find it again.
-const int WatchPeriodMs = 200;
+// How long the window waits between two attempts to find a lost camera again.
 const int SearchPauseMs = 2000;
 
 } // namespace
@@ -37,7 +35,6 @@ ViewerWindow::ViewerWindow(GenICamCamera* camera, QWidget* parent)
     , m_host(new PluginHost(this))
     , m_stream(new CameraStream(camera, this))
     , m_finder(new CameraFinder(this))
-    , m_watch(new QTimer(this))
     , m_tabs(new QTabWidget)
     , m_image(new QLabel)
     , m_counter(new QLabel)
@@ -71,14 +68,14 @@ ViewerWindow::ViewerWindow(GenICamCamera* camera, QWidget* parent)
     connect(m_stream, &CameraStream::frameReceived, this, &ViewerWindow::onFrame);
     m_finder->setInterval(SearchPauseMs);
     connect(m_finder, &CameraFinder::found, this, &ViewerWindow::onCameraFound);
-    m_watch->setInterval(WatchPeriodMs);
-    connect(m_watch, &QTimer::timeout, this, &ViewerWindow::checkCamera);
-    m_watch->start();
+    // The backend tells of a loss on its own threads: handed to the GUI thread.
+    m_camera->setLostHandler([this] { QMetaObject::invokeMethod(this, &ViewerWindow::checkCamera, Qt::QueuedConnection); });
     setCameraStatus(tr("Camera %1 open").arg(camera->id()));
 }
 
 ViewerWindow::~ViewerWindow()
 {
+    m_camera->setLostHandler(nullptr); // waits for a call in progress
     m_stream->stop();
 }
 

@@ -79,7 +79,6 @@ private:
     QList<TabExtensionInterface*> m_plugins;
     CameraStream* m_stream;
     CameraFinder* m_finder;
-    QTimer* m_watch;
     bool m_lost = false;
     QTabWidget* m_tabs;
     QLabel* m_image;

@@ -52,6 +52,9 @@ bool printsOnly(int argc, char** argv)
 const int FrameWaitMs = 10000;
 // The software trigger follows the start of the acquisition after this pause.
 const int TriggerDelayMs = 500;
+// How long the viewer waits at exit for the backend's background work before
+// it says why it still waits.
+const int BackgroundWaitMs = 800;
 
 } // namespace
 
@@ -130,77 +133,86 @@ int main(int argc, char** argv)
         return 2;
     }
 
-    GenICamCamera camera;
-    if (camera.open(id) != OrvErrorSuccess)
+    // The camera and the window end before main() does, and so does every
+    // thread the backend started for them.
+    const int code = [&]() -> int
     {
-        say(stderr, "triggerio-viewer: " +
-                        QCoreApplication::translate("main", "cannot open camera %1: %2").arg(id, camera.errorString()));
-        return 2;
-    }
-
-    // The tab finds its translations under "plugins/", relative to the working folder.
-    QDir::setCurrent(folders.working);
-
-    ViewerWindow window(&camera);
-    if (window.addTabs(folders.plugins) == 0)
-    {
-        say(stderr, "triggerio-viewer: " +
-                        (window.problems().isEmpty()
-                             ? QCoreApplication::translate("main", "no tab for this camera")
-                             : QCoreApplication::translate("main", "no tab for this camera: %1")
-                                   .arg(window.problems().join("; "))));
-        return 3;
-    }
-    for (const QString& problem : window.problems())
-        say(stderr, "triggerio-viewer: " + problem);
-    if (parser.isSet(pageOption))
-    {
-        int page = window.tabs()->count() - 1;
-        while (page >= 0 && window.tabs()->tabText(page) != parser.value(pageOption))
-            --page;
-        if (page < 0)
+        GenICamCamera camera;
+        if (camera.open(id) != OrvErrorSuccess)
         {
             say(stderr, "triggerio-viewer: " +
-                            QCoreApplication::translate("main", "no page %1").arg(parser.value(pageOption)));
+                            QCoreApplication::translate("main", "cannot open camera %1: %2").arg(id, camera.errorString()));
             return 2;
         }
-        window.tabs()->setCurrentIndex(page);
-    }
-    window.resize(1100, 900);
-    window.show();
 
-    const int acquireAt = parser.isSet(acquireAfterOption) ? qMax(0, parser.value(acquireAfterOption).toInt()) : 0;
-    const bool acquire = parser.isSet(acquireOption) || parser.isSet(acquireAfterOption);
-    if (acquire)
-        QTimer::singleShot(acquireAt, window.acquireButton(), &QPushButton::click);
-    if (parser.isSet(triggerOption))
-        QTimer::singleShot(acquire ? acquireAt + TriggerDelayMs : 0, &window, &ViewerWindow::triggerSoftware);
+        // The tab finds its translations under "plugins/", relative to the working folder.
+        QDir::setCurrent(folders.working);
 
-    QTimer shot;
-    int waited = 0;
-    if (!screenshot.isEmpty())
-    {
-        // Taken after --after, or later while an acquisition waits for its first frame.
-        shot.setInterval(100);
-        QTimer::singleShot(after, &shot, QOverload<>::of(&QTimer::start));
-        QObject::connect(
-            &shot, &QTimer::timeout, &window,
-            [&]()
+        ViewerWindow window(&camera);
+        if (window.addTabs(folders.plugins) == 0)
+        {
+            say(stderr, "triggerio-viewer: " +
+                            (window.problems().isEmpty()
+                                 ? QCoreApplication::translate("main", "no tab for this camera")
+                                 : QCoreApplication::translate("main", "no tab for this camera: %1")
+                                       .arg(window.problems().join("; "))));
+            return 3;
+        }
+        for (const QString& problem : window.problems())
+            say(stderr, "triggerio-viewer: " + problem);
+        if (parser.isSet(pageOption))
+        {
+            int page = window.tabs()->count() - 1;
+            while (page >= 0 && window.tabs()->tabText(page) != parser.value(pageOption))
+                --page;
+            if (page < 0)
             {
-                waited += shot.interval();
-                if (window.acquireButton()->isChecked() && window.frameCount() == 0 && waited < FrameWaitMs)
-                    return;
-                shot.stop();
-                if (window.acquireButton()->isChecked() && window.frameCount() == 0)
-                    say(stderr, "triggerio-viewer: " + QCoreApplication::translate("main", "no frame arrived"));
-                const bool saved = window.grab().save(screenshot, "PNG");
-                if (saved)
-                    say(stdout, QCoreApplication::translate("main", "Screenshot written to %1").arg(screenshot));
-                else
-                    say(stderr,
-                        "triggerio-viewer: " + QCoreApplication::translate("main", "cannot write %1").arg(screenshot));
-                QCoreApplication::exit(saved ? 0 : 4);
-            });
-    }
-    return QCoreApplication::exec();
+                say(stderr, "triggerio-viewer: " +
+                                QCoreApplication::translate("main", "no page %1").arg(parser.value(pageOption)));
+                return 2;
+            }
+            window.tabs()->setCurrentIndex(page);
+        }
+        window.resize(1100, 900);
+        window.show();
+
+        const int acquireAt = parser.isSet(acquireAfterOption) ? qMax(0, parser.value(acquireAfterOption).toInt()) : 0;
+        const bool acquire = parser.isSet(acquireOption) || parser.isSet(acquireAfterOption);
+        if (acquire)
+            QTimer::singleShot(acquireAt, window.acquireButton(), &QPushButton::click);
+        if (parser.isSet(triggerOption))
+            QTimer::singleShot(acquire ? acquireAt + TriggerDelayMs : 0, &window, &ViewerWindow::triggerSoftware);
+
+        QTimer shot;
+        int waited = 0;
+        if (!screenshot.isEmpty())
+        {
+            // Taken after --after, or later while an acquisition waits for its first frame.
+            shot.setInterval(100);
+            QTimer::singleShot(after, &shot, QOverload<>::of(&QTimer::start));
+            QObject::connect(
+                &shot, &QTimer::timeout, &window,
+                [&]()
+                {
+                    waited += shot.interval();
+                    if (window.acquireButton()->isChecked() && window.frameCount() == 0 && waited < FrameWaitMs)
+                        return;
+                    shot.stop();
+                    if (window.acquireButton()->isChecked() && window.frameCount() == 0)
+                        say(stderr, "triggerio-viewer: " + QCoreApplication::translate("main", "no frame arrived"));
+                    const bool saved = window.grab().save(screenshot, "PNG");
+                    if (saved)
+                        say(stdout, QCoreApplication::translate("main", "Screenshot written to %1").arg(screenshot));
+                    else
+                        say(stderr,
+                            "triggerio-viewer: " + QCoreApplication::translate("main", "cannot write %1").arg(screenshot));
+                    QCoreApplication::exit(saved ? 0 : 4);
+                });
+        }
+        return QCoreApplication::exec();
+    }();
+    if (!GenICamCamera::waitForBackgroundWork(BackgroundWaitMs))
+        say(stderr, "triggerio-viewer: " + QCoreApplication::translate(
+                                               "main", "waiting for camera calls that wait for their timeout"));
+    return code;
 }

@@ -1,5 +1,6 @@
 #include "FeaturePoller.h"
 
+#include "BackgroundJobs.h"
 #include "GenICamFeature.h"
 
 #include <algorithm>
@@ -19,6 +20,10 @@ namespace
 
 // Selector settings remembered per feature; more are not worth keeping.
 constexpr size_t MaxSettings = 64;
+// How long a writer waits for the first readings of what it may change: they
+// come from the poller's thread, which may be busy with a look or with an
+// observer that takes its time.
+constexpr auto FirstReadingsWait = std::chrono::seconds(2);
 
 } // namespace
 
@@ -54,7 +59,8 @@ struct FeaturePoller::State
     bool written = false; // since the last look
     int pendingBaselines = 0;
     std::atomic<bool> stop{false};
-    std::thread thread;
+    bool running = false;  // the thread has started and not ended
+    std::condition_variable settled; // first readings taken, or the thread ended
     std::thread::id threadId;
 
     static void run(std::shared_ptr<State> self);
@@ -78,6 +84,7 @@ void FeaturePoller::State::run(std::shared_ptr<State> self)
     // FeaturePoller) may be destroyed on this very thread when it drops the
     // last reference to a feature.
     std::unique_lock<std::mutex> lock(self->mutex);
+    self->threadId = std::this_thread::get_id();
     while (!self->stop)
     {
         if (self->pendingBaselines > 0)
@@ -87,12 +94,15 @@ void FeaturePoller::State::run(std::shared_ptr<State> self)
             lock.lock();
             continue;
         }
-        // After writes one look once they pause; else one a period (it reads
-        // only volatile features, if any).
+        // After writes one look once they pause, else one a period (it reads
+        // only volatile features, if any). Writes that never pause for long
+        // (a page that walks a selector and puts it back ten times a second)
+        // hold the look off for a period at most: then a short pause will do.
         const Clock::time_point quietAgain = self->lastWrite + self->quietTime();
+        const Clock::time_point nextPeriod = self->lastLook + std::chrono::milliseconds(self->periodMs);
         const Clock::time_point due =
-            self->written ? quietAgain
-                          : std::max(self->lastLook + std::chrono::milliseconds(self->periodMs), quietAgain);
+            self->written ? std::min(quietAgain, std::max(nextPeriod, self->lastWrite + self->quietTime() / 5))
+                          : std::max(nextPeriod, quietAgain);
         if (Clock::now() < due)
         {
             // Woken early by a new period, a write, a registration or stop: decide again.
@@ -105,6 +115,8 @@ void FeaturePoller::State::run(std::shared_ptr<State> self)
         self->look(false);
         lock.lock();
     }
+    self->running = false;
+    self->settled.notify_all();
 }
 
 void FeaturePoller::State::countBaselines()
@@ -161,6 +173,16 @@ void FeaturePoller::State::look(bool baselinesOnly)
     {
         if (stop)
             return;
+        // A writer waits for first readings: they go before the rest of this look.
+        if (!baselinesOnly)
+        {
+            std::unique_lock<std::mutex> lock(mutex);
+            if (pendingBaselines > 0)
+            {
+                lock.unlock();
+                look(true);
+            }
+        }
         std::string setting;
         std::string now;
         bool isVolatile = true;
@@ -199,6 +221,7 @@ void FeaturePoller::State::look(bool baselinesOnly)
         std::lock_guard<std::mutex> lock(mutex);
         countBaselines();
     }
+    settled.notify_all();
 
     for (const Change& change : changes)
     {
@@ -239,22 +262,20 @@ FeaturePoller::FeaturePoller()
 
 FeaturePoller::~FeaturePoller()
 {
-    std::thread thread;
     std::map<const GenICamFeature*, State::Entry> entries; // released outside the lock
     {
         std::lock_guard<std::mutex> lock(m_state->mutex);
         m_state->stop = true;
         entries.swap(m_state->entries);
-        thread = std::move(m_state->thread);
     }
     m_state->wake.notify_all();
-    if (thread.joinable())
-    {
-        if (thread.get_id() == std::this_thread::get_id())
-            thread.detach(); // the thread ends by itself and owns its state
-        else
-            thread.join();
-    }
+    // The thread's owner (BackgroundJobs) joins it; here it is only waited
+    // for, so that nothing of this device is read once it is gone. On the
+    // thread itself (it dropped the last reference to the device) there is
+    // nothing to wait for: it ends as soon as this returns.
+    std::unique_lock<std::mutex> lock(m_state->mutex);
+    if (m_state->threadId != std::this_thread::get_id())
+        m_state->settled.wait(lock, [this] { return !m_state->running; });
 }
 
 void FeaturePoller::setPeriod(int milliseconds)
@@ -319,10 +340,10 @@ OrvErrorType FeaturePoller::registerObserver(const std::shared_ptr<GenICamFeatur
     }
     observers.push_back(observer);
     m_state->countBaselines();
-    if (!m_state->thread.joinable())
+    if (!m_state->running)
     {
-        m_state->thread = std::thread(&State::run, m_state);
-        m_state->threadId = m_state->thread.get_id();
+        m_state->running = true;
+        BackgroundJobs::start([state = m_state] { State::run(state); });
     }
     return OrvErrorSuccess;
 }
@@ -350,15 +371,17 @@ OrvErrorType FeaturePoller::unregisterObserver(const GenICamFeature* feature, co
 
 void FeaturePoller::beforeWrite()
 {
-    {
-        std::lock_guard<std::mutex> lock(m_state->mutex);
-        if (m_state->pendingBaselines == 0)
-            return;
-    }
-    // Features registered for the first time and not read yet are read here,
-    // by the writer, rather than waited for: the writer then waits for nothing
-    // but the device and its link.
-    m_state->look(true);
+    // Features registered for the first time and not read yet are read by the
+    // poller's thread, which the writer asks for them and waits for (with a
+    // bound): their readings, and every call to an observer, stay on that one
+    // thread. An observer that writes from FeatureChanged does not wait for
+    // itself.
+    std::unique_lock<std::mutex> lock(m_state->mutex);
+    if (m_state->pendingBaselines == 0 || m_state->threadId == std::this_thread::get_id())
+        return;
+    m_state->wake.notify_all();
+    m_state->settled.wait_for(lock, FirstReadingsWait,
+                              [this] { return m_state->pendingBaselines == 0 || !m_state->running; });
 }
 
 void FeaturePoller::afterWrite(const std::vector<const void*>* registers, const GenICamFeature* writer)

@@ -12,11 +12,14 @@ class GenICamFeature;
 //
 // Keeps the observers registered per feature and calls FeatureChanged for
 // every observed feature whose value, writability or availability differs
-// from what it last saw. It spends the camera's link sparingly:
+// from what it last saw. Every reading it takes and every call to an observer
+// happen on its own thread (a BackgroundJobs thread), never on a thread that
+// called the camera API. It spends the camera's link sparingly:
 // - registering and unregistering reach no register: what a feature looked
 //   like is kept for as long as the feature lives, observed or not, and a
-//   feature observed for the first time is read once by this thread (or by
-//   a writer that comes first, see beforeWrite);
+//   feature observed for the first time is read once by this thread (a
+//   writer that comes first asks for that reading and waits for it, see
+//   beforeWrite);
 // - once a period it reads only what can have changed since its last look:
 //   the observed features that are volatile (GenICam IsVolatile or Cachable
 //   NoCache anywhere below them) and, after writes, the observed ones that
@@ -24,7 +27,9 @@ class GenICamFeature;
 // - writes only mark the features for the next look, and that look waits
 //   until writes have paused, so a burst of writes (a preset, a tab that
 //   points a selector at each line and back) causes one look, which sees the
-//   settled state;
+//   settled state; writes that go on without a long pause (a page sampling
+//   lines through a selector ten times a second) hold the look off for one
+//   period at most, after which a short pause is enough;
 // - a feature written through its own handle under a selector is reported
 //   at the next look, whatever that look reads at the selector's setting of
 //   then (the write may have gone to another line);
@@ -34,8 +39,8 @@ class GenICamFeature;
 // - a change found while one of a feature's observers was unregistered (a
 //   page refreshing itself, while another page stays registered) is reported
 //   again at the next look after that observer registers.
-// FeatureChanged runs on the poller's thread with no lock of the backend held.
-// The thread starts with the first registration.
+// FeatureChanged runs with no lock of the backend held. The thread starts with
+// the first registration and ends with the poller.
 class FeaturePoller
 {
 public:
@@ -63,9 +68,9 @@ public:
                                     const std::shared_ptr<OrvCPP::IFeatureObserver>& observer);
 
     // Called before anything may change the device (without the device lock):
-    // features registered for the first time and not read yet are read now, on
-    // the caller's thread, so that the change is compared with the state before
-    // it. Waits for nothing but the device.
+    // features registered for the first time and not read yet are read first,
+    // so that the change is compared with the state before it. The poller's
+    // thread reads them; the caller waits for that, two seconds at most.
     void beforeWrite();
     // Called after something may have changed the device: the features that
     // depend on one of the registers (sorted; all features when null) are

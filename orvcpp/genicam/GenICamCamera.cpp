@@ -3,6 +3,7 @@
 
 #include "GenICamCamera.h"
 
+#include "BackgroundJobs.h"
 #include "FakeDeviceMemoryGuard.h"
 #include "FeaturePoller.h"
 #include "GenICamDevice.h"
@@ -14,6 +15,7 @@
 #include <QFileInfo>
 #include <QXmlStreamReader>
 
+#include <algorithm>
 #include <mutex>
 #include <set>
 
@@ -94,9 +96,15 @@ QStringList collectFeatures(const std::shared_ptr<GenICamDevice>& device,
 
 } // namespace
 
-GenICamCamera::GenICamCamera() = default;
+GenICamCamera::GenICamCamera()
+    : m_pollPeriod(FeaturePoller::DefaultPeriodMs)
+{
+}
 
-GenICamCamera::~GenICamCamera() = default;
+GenICamCamera::~GenICamCamera()
+{
+    close();
+}
 
 QStringList GenICamCamera::deviceIds()
 {
@@ -257,6 +265,7 @@ OrvErrorType GenICamCamera::open(const QString& id)
     if (ARV_IS_FAKE_DEVICE(device))
         FakeDeviceMemoryGuard::install();
     auto shared = std::make_shared<GenICamDevice>(device, id.toStdString());
+    shared->watchControl();
     ArvGcNode* root = arv_gc_get_node(shared->genicam(), "Root");
     if (!ARV_IS_GC_CATEGORY(root))
         return fail(OrvErrorInvalidValue,
@@ -272,11 +281,24 @@ OrvErrorType GenICamCamera::open(const QString& id)
     m_features = features;
     m_id = id;
     m_serial = serialOf(device);
+    applySettings();
     return OrvErrorSuccess;
+}
+
+void GenICamCamera::applySettings()
+{
+    if (!m_device)
+        return;
+    m_device->poller().setPeriod(m_pollPeriod);
+    const std::shared_ptr<std::function<void()>> handler = m_lostHandler;
+    m_device->setLostHandler(handler ? std::function<void()>([handler] { (*handler)(); }) : nullptr);
 }
 
 void GenICamCamera::close()
 {
+    // Features handed out keep the device: no more news of it from here on.
+    if (m_device)
+        m_device->setLostHandler(nullptr);
     m_features.reset();
     m_device.reset();
     m_id.clear();
@@ -288,12 +310,31 @@ void GenICamCamera::adopt(GenICamCamera& other)
     if (&other == this)
         return;
     close();
+    if (other.m_device)
+        other.m_device->setLostHandler(nullptr);
     m_device = std::move(other.m_device);
     m_features = std::move(other.m_features);
     m_id = other.m_id;
     m_serial = other.m_serial;
     m_error = other.m_error;
     other.close();
+    applySettings();
+}
+
+void GenICamCamera::setLostHandler(std::function<void()> handler)
+{
+    m_lostHandler = handler ? std::make_shared<std::function<void()>>(std::move(handler)) : nullptr;
+    applySettings();
+}
+
+void GenICamCamera::runInBackground(std::function<void()> job)
+{
+    BackgroundJobs::start(std::move(job));
+}
+
+bool GenICamCamera::waitForBackgroundWork(int milliseconds)
+{
+    return BackgroundJobs::waitForAll(std::chrono::milliseconds(milliseconds));
 }
 
 QString GenICamCamera::serialNumber() const
@@ -323,13 +364,14 @@ FeatureList GenICamCamera::features() const
 
 void GenICamCamera::setPollPeriod(int milliseconds)
 {
+    m_pollPeriod = std::max(1, milliseconds);
     if (m_device)
-        m_device->poller().setPeriod(milliseconds);
+        m_device->poller().setPeriod(m_pollPeriod);
 }
 
 int GenICamCamera::pollPeriod() const
 {
-    return m_device ? m_device->poller().period() : FeaturePoller::DefaultPeriodMs;
+    return m_pollPeriod;
 }
 
 bool GenICamCamera::isDeviceLost() const

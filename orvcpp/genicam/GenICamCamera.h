@@ -49,7 +49,8 @@ public:
 
     // Takes over the device that other has open (closing this one first);
     // other is closed afterwards. Lets a host open a camera on a worker
-    // thread and hand it to the object its window uses.
+    // thread and hand it to the object its window uses. This camera's poll
+    // period and lost handler stay and apply to the device taken over.
     void adopt(GenICamCamera& other);
 
     bool isOpen() const;
@@ -64,7 +65,8 @@ public:
     // in category order (depth first, as the XML lists them). Empty when not open.
     FeatureList features() const;
 
-    // Period of the change notifications (default 1000 ms).
+    // Period of the change notifications (default 1000 ms), for this device
+    // and every one opened or adopted later.
     void setPollPeriod(int milliseconds);
     int pollPeriod() const;
 
@@ -74,6 +76,22 @@ public:
     bool isDeviceLost() const;
     // Why it was found lost, in Aravis's words where it gave any.
     QString lostReason() const;
+    // Called once when the open device is found lost, for this device and
+    // every one opened or adopted later: on a thread of the backend (or of
+    // the caller that found it), so it should only hand the news on, for
+    // example with a queued call. Null stops the calls; it waits for a call
+    // in progress, and so does closing or destroying the camera.
+    void setLostHandler(std::function<void()> handler);
+
+    // Runs job on a background thread that the backend owns and joins (see
+    // waitForBackgroundWork): for work a host must not wait for on its GUI
+    // thread, such as opening a camera.
+    static void runInBackground(std::function<void()> job);
+    // Waits, at most milliseconds, until the backend's background threads
+    // (change notifications, lost devices let go of, jobs of the host) have
+    // ended; true when none runs. A host calls it before main() returns, once
+    // its cameras are closed.
+    static bool waitForBackgroundWork(int milliseconds);
 
     // Runs code on the Aravis device with the device lock held (for example
     // to read a register back, or to stream). Returns false, without running
@@ -85,7 +103,12 @@ private:
     OrvErrorType openFake(const QString& path, ArvDevice*& device);
     OrvErrorType openAravis(const QString& id, ArvDevice*& device);
 
+    // Hands this camera's settings to the device it now holds.
+    void applySettings();
+
     std::shared_ptr<GenICamDevice> m_device;
+    std::shared_ptr<std::function<void()>> m_lostHandler;
+    int m_pollPeriod;
     FeatureList m_features;
     QString m_id;
     QString m_serial;

@@ -1,5 +1,6 @@
 #include "GenICamDevice.h"
 
+#include "BackgroundJobs.h"
 #include "FeaturePoller.h"
 
 #include <arv.h>
@@ -12,12 +13,27 @@
 namespace
 {
 
+using WeakDevice = std::weak_ptr<GenICamDevice>;
+
 // "control-lost" is emitted by Aravis's heartbeat thread of a GigE Vision
-// device: the camera no longer answers it, or has handed control to another.
+// device when the camera no longer counts us as its controller. The handler
+// holds the device weakly: GLib keeps its data alive while a call runs, also
+// when the device is disconnecting meanwhile.
 void onControlLost(ArvDevice*, gpointer userData)
 {
-    static_cast<GenICamDevice*>(userData)->controlLost();
+    if (const std::shared_ptr<GenICamDevice> device = static_cast<WeakDevice*>(userData)->lock())
+        device->controlLost();
 }
+
+void forgetDevice(gpointer userData, GClosure*)
+{
+    delete static_cast<WeakDevice*>(userData);
+}
+
+// Aravis raises "control-lost" before it clears its own controller flag; it
+// is asked for control again only after that, else the flag would end false
+// and Aravis's heartbeat would stop.
+constexpr auto FlagClearedWait = std::chrono::seconds(1);
 
 // GigE Vision bootstrap register: heartbeat timeout in milliseconds.
 constexpr guint64 HeartbeatTimeoutRegister = 0x0938;
@@ -47,11 +63,35 @@ GenICamDevice::GenICamDevice(ArvDevice* device, const std::string& id)
     arv_device_set_access_check_policy(m_device, ARV_ACCESS_CHECK_POLICY_ENABLE);
     arv_device_set_range_check_policy(m_device, ARV_RANGE_CHECK_POLICY_ENABLE);
     arv_device_set_register_cache_policy(m_device, ARV_REGISTER_CACHE_POLICY_DISABLE);
-    m_controlLostHandler = g_signal_connect(m_device, "control-lost", G_CALLBACK(onControlLost), this);
+}
+
+void GenICamDevice::watchControl()
+{
+    if (m_device && !m_controlLostHandler)
+        m_controlLostHandler = g_signal_connect_data(m_device, "control-lost", G_CALLBACK(onControlLost),
+                                                     new WeakDevice(weak_from_this()), forgetDevice, GConnectFlags(0));
+}
+
+void GenICamDevice::setLostHandler(std::function<void()> handler)
+{
+    {
+        std::lock_guard<std::mutex> lock(m_handlerLock);
+        m_lostHandler = std::move(handler);
+    }
+    if (isLost())
+        reportLost();
+}
+
+void GenICamDevice::reportLost()
+{
+    std::lock_guard<std::mutex> lock(m_handlerLock);
+    if (m_lostHandler)
+        std::exchange(m_lostHandler, nullptr)();
 }
 
 GenICamDevice::~GenICamDevice()
 {
+    setLostHandler(nullptr);
     // Stop notifications before the node tree goes away.
     m_poller.reset();
     letGoIfLost();
@@ -68,33 +108,41 @@ void GenICamDevice::letGoIfLost()
         return;
     if (m_controlLostHandler)
         g_signal_handler_disconnect(m_device, m_controlLostHandler);
-    std::thread([device = m_device] { g_object_unref(device); }).detach();
+    m_controlLostHandler = 0;
+    BackgroundJobs::start([device = m_device] { g_object_unref(device); });
     m_device = nullptr;
     m_genicam = nullptr;
 }
 
 void GenICamDevice::controlLost()
 {
-    // Not on Aravis's heartbeat thread: asking for control waits for the link,
-    // and letting go of the device there would wait for that very thread.
-    std::thread(
+    // Not on Aravis's heartbeat thread: asking for control waits for the
+    // link, and letting go of the device there would wait for that very thread.
+    BackgroundJobs::start(
         [weak = weak_from_this()]
         {
-            const std::shared_ptr<GenICamDevice> self = weak.lock();
-            if (!self)
+            const auto until = std::chrono::steady_clock::now() + FlagClearedWait;
+            for (;; std::this_thread::sleep_for(std::chrono::milliseconds(2)))
+            {
+                const std::shared_ptr<GenICamDevice> self = weak.lock();
+                if (!self)
+                    return;
+                std::lock_guard<std::mutex> lock(self->m_lock);
+                if (self->isLost() || !ARV_IS_GV_DEVICE(self->m_device))
+                    return;
+                ArvGvDevice* device = ARV_GV_DEVICE(self->m_device);
+                if (arv_gv_device_is_controller(device) && std::chrono::steady_clock::now() < until)
+                    continue; // Aravis has not noted the loss yet
+                GError* error = nullptr;
+                if (arv_gv_device_take_control(device, &error) && arv_gv_device_is_controller(device))
+                    return; // ours again: Aravis's heartbeat runs on
+                self->markLost(std::string("the camera's heartbeat failed, control lost") +
+                               (error && error->message ? std::string(": ") + error->message : std::string()));
+                g_clear_error(&error);
+                self->letGoIfLost();
                 return;
-            std::lock_guard<std::mutex> lock(self->m_lock);
-            if (self->isLost() || !self->m_device)
-                return;
-            GError* error = nullptr;
-            if (ARV_IS_GV_DEVICE(self->m_device) && arv_gv_device_take_control(ARV_GV_DEVICE(self->m_device), &error))
-                return; // the camera still answers and is ours again: its heartbeat runs on
-            self->markLost(std::string("the camera's heartbeat failed, control lost") +
-                           (error && error->message ? std::string(": ") + error->message : std::string()));
-            g_clear_error(&error);
-            self->letGoIfLost();
-        })
-        .detach();
+            }
+        });
 }
 
 std::string GenICamDevice::lostReason() const
@@ -105,10 +153,14 @@ std::string GenICamDevice::lostReason() const
 
 void GenICamDevice::markLost(const std::string& reason)
 {
-    std::lock_guard<std::mutex> lock(m_reasonLock);
-    if (m_lost.exchange(true))
-        return; // the first reason stays
-    m_lostReason = reason;
+    {
+        std::lock_guard<std::mutex> lock(m_reasonLock);
+        if (m_lost.load())
+            return; // the first reason stays
+        m_lostReason = reason;
+        m_lost = true;
+    }
+    reportLost();
 }
 
 OrvErrorType GenICamDevice::takeError(GError* error, Duration took)

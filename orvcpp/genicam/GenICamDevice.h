@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <set>
@@ -28,6 +29,7 @@ class FeaturePoller;
 // answer in between, for longer than the camera's heartbeat timeout: by then
 // the camera has given up on us too. Once lost it stays lost, and every
 // feature call returns OrvErrorDeviceLost at once without touching the link.
+// The loss is reported once, to the handler set with setLostHandler().
 class GenICamDevice : public std::enable_shared_from_this<GenICamDevice>
 {
 public:
@@ -36,6 +38,15 @@ public:
     // Takes over the reference to device.
     GenICamDevice(ArvDevice* device, const std::string& id);
     ~GenICamDevice();
+
+    // Starts listening to Aravis's "control-lost" signal; once, after the
+    // device is owned by a shared pointer.
+    void watchControl();
+    // Called once when the device is found lost (at once when it is lost
+    // already), on whichever thread found it, possibly with lock() held: it
+    // must return quickly and call nothing of the device. Replacing or
+    // clearing it waits for a call in progress.
+    void setLostHandler(std::function<void()> handler);
 
     GenICamDevice(const GenICamDevice&) = delete;
     GenICamDevice& operator=(const GenICamDevice&) = delete;
@@ -69,12 +80,12 @@ public:
     // Why the device was found lost, in Aravis's words where it gave any.
     std::string lostReason() const;
     void markLost(const std::string& reason);
-    // Aravis's heartbeat gave up (one unanswered read is enough for it, and a
-    // link cut for two seconds can do that) or found that the camera no longer
-    // counts us as its controller: on a thread of its own, control is asked
-    // for again; the device is lost only when that fails.
+    // Aravis's heartbeat found that the camera no longer counts us as its
+    // controller (a link cut for two seconds can do that): in the background,
+    // once Aravis has noted it, control is asked for again. The device is then
+    // ours again, with Aravis's heartbeat running, or it is lost.
     void controlLost();
-    // Once lost, lets go of the Aravis device, on a thread of its own: Aravis
+    // Once lost, lets go of the Aravis device in the background: Aravis
     // says goodbye to the camera (a register write that waits for its whole
     // timeout on a silent link) and stops its heartbeat, which would
     // otherwise keep claiming the camera when it comes back, so that it could
@@ -107,6 +118,8 @@ public:
     }
 
 private:
+    void reportLost();
+
     ArvDevice* m_device;
     ArvGc* m_genicam;
     std::string m_id;
@@ -117,6 +130,8 @@ private:
     Duration m_patience;
     Duration m_timedOut = Duration::zero(); // timeouts in a row, under m_lock
     unsigned long m_controlLostHandler = 0;
+    std::mutex m_handlerLock; // held while the lost handler runs
+    std::function<void()> m_lostHandler;
     std::unique_ptr<FeaturePoller> m_poller;
     std::unique_ptr<std::set<std::string>> m_volatileNodes;
 };

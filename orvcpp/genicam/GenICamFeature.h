@@ -70,6 +70,12 @@ public:
     // nodes it depends on (sorted; a write to one of them may change it).
     void observe(std::string& setting, std::string& state, bool& isVolatile, std::vector<const void*>& registers);
 
+    // The device the feature belongs to.
+    const std::shared_ptr<GenICamDevice>& device() const
+    {
+        return m_device;
+    }
+
 private:
     template <typename Call> OrvErrorType withDevice(Call call);
     template <typename Call> OrvErrorType write(Call call);

@@ -2,6 +2,8 @@
 #include <arv.h>
 
 #include "GenICamCamera.h"
+#include "GenICamDevice.h"
+#include "FeaturePoller.h"
 #include "GenICamFeature.h"
 #include "ReviewedRecord.h"
 
@@ -12,6 +14,8 @@
 #include <condition_variable>
 #include <mutex>
 #include <thread>
+
+#include <pthread.h>
 
 using FeaturePtr = OrvCPP::shared_ptr<OrvCPP::Feature>;
 using Code = OrvErrorType;
@@ -110,17 +114,24 @@ QString runStep(GenICamCamera& camera, const QString& step)
     return step + " " + result;
 }
 
-// Records the names FeatureChanged reports, marked when on the test's thread
-// (never). std::mutex: ThreadSanitizer sees through it, not through QMutex.
+// Calls to FeatureChanged that came on another thread than the backend's own.
+std::atomic<int> strayCalls{0};
+
+// Records the names FeatureChanged reports, and counts calls that come on
+// another thread than the backend's (never). std::mutex: ThreadSanitizer sees
+// through it, not through QMutex.
 struct Recorder : OrvCPP::IFeatureObserver
 {
     void FeatureChanged(const FeaturePtr& feature) override
     {
+        char thread[16] = {};
+        pthread_getname_np(pthread_self(), thread, sizeof thread);
+        strayCalls += qstrcmp(thread, "triggerio-bg") != 0;
         textOf(feature); // calling back into the feature must be fine
         std::string name;
         feature->GetName(name);
         std::lock_guard<std::mutex> lock(mutex);
-        names << QString::fromStdString(name) + (QThread::currentThread() == testThread ? " on the test's thread" : "");
+        names << QString::fromStdString(name);
         changed.notify_all();
     }
     // Waits until name has been reported count times (or ms have passed); all names reported so far.
@@ -131,7 +142,6 @@ struct Recorder : OrvCPP::IFeatureObserver
         return names;
     }
 
-    QThread* const testThread = QThread::currentThread();
     std::mutex mutex;
     std::condition_variable changed;
     QStringList names;
@@ -151,6 +161,23 @@ private slots:
         // In-process tests only: no discovery on the network.
         for (const char* interfaceId : {"GigEVision", "USB3Vision", "Fake"})
             arv_disable_interface(interfaceId);
+    }
+
+    void cleanup()
+    {
+        QCOMPARE(strayCalls.exchange(0), 0);
+    }
+
+    // Once every camera is closed, no thread the backend started is left.
+    void cleanupTestCase()
+    {
+        QVERIFY(GenICamCamera::waitForBackgroundWork(10000));
+        const QStringList tasks = QDir("/proc/self/task").entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+        for (const QString& task : tasks)
+        {
+            QFile comm("/proc/self/task/" + task + "/comm");
+            QVERIFY(!comm.open(QIODevice::ReadOnly) || !comm.readAll().startsWith("triggerio-bg"));
+        }
     }
 
     void openErrors_data()
@@ -345,6 +372,103 @@ private slots:
         QCOMPARE(linesTogether, linesAlone);
         QCOMPARE(outputsTogether, outputsAlone);
         QVERIFY(observer->waitFor("LineSource", 10000).contains("LineSource"));
+    }
+
+    // A page that samples lines through LineSelector ten times a second, the
+    // selector put back each time, does not keep a camera-side change from
+    // being reported.
+    void changesReachObserversWhileSelectorsAreWalked()
+    {
+        GenICamCamera camera;
+        QCOMPARE(openModel(camera, "line-camera.xml"), QString());
+        camera.setPollPeriod(500);
+        auto observer = std::make_shared<Recorder>();
+        QCOMPARE(featureNamed(camera.features(), "LineInverter")->RegisterObserver(observer), Code(OrvErrorSuccess));
+        std::atomic<bool> walking{true};
+        std::thread walker(
+            [&]
+            {
+                while (walking)
+                {
+                    runStep(camera, "LineSelector=Line1");
+                    runStep(camera, "LineStatus?");
+                    runStep(camera, "LineSelector=Line0");
+                    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+                }
+            });
+        QTest::qWait(300);
+        QElapsedTimer took;
+        took.start();
+        runStep(camera, "@0x1130=1"); // Line0's inverter, changed by the camera
+        const QStringList names = observer->waitFor("LineInverter", 5000);
+        const qint64 ms = took.elapsed();
+        walking = false;
+        walker.join();
+        QVERIFY2(names.contains("LineInverter") && ms < 2000, qPrintable(QString("%1 ms").arg(ms)));
+    }
+
+    // Two observers away at overlapping times: each hears of the change made
+    // meanwhile once it is back.
+    void observersAwayAtOverlappingTimes()
+    {
+        GenICamCamera camera;
+        QCOMPARE(openModel(camera, "line-camera.xml"), QString());
+        camera.setPollPeriod(50);
+        const FeaturePtr inverter = featureNamed(camera.features(), "LineInverter");
+        auto first = std::make_shared<Recorder>(), second = std::make_shared<Recorder>();
+        QCOMPARE(inverter->RegisterObserver(first), Code(OrvErrorSuccess));
+        QCOMPARE(inverter->RegisterObserver(second), Code(OrvErrorSuccess));
+        QTest::qWait(200); // first readings taken
+        QCOMPARE(inverter->UnregisterObserver(first), Code(OrvErrorSuccess));
+        runStep(camera, "@0x1130=1");
+        QCOMPARE(inverter->UnregisterObserver(second), Code(OrvErrorSuccess));
+        QTest::qWait(400);
+        QCOMPARE(inverter->RegisterObserver(first), Code(OrvErrorSuccess));
+        QCOMPARE(first->waitFor("LineInverter", 5000), QStringList{"LineInverter"});
+        QCOMPARE(inverter->RegisterObserver(second), Code(OrvErrorSuccess));
+        QCOMPARE(second->waitFor("LineInverter", 5000), QStringList{"LineInverter"});
+    }
+
+    // Timeouts count as a loss only when they follow each other for longer
+    // than the camera's patience; an answer in between starts afresh. The loss
+    // is reported once, also to a handler set afterwards.
+    void timeoutsInARowMakeALoss()
+    {
+        GenICamCamera camera;
+        QCOMPARE(openModel(camera, "line-camera.xml"), QString());
+        const std::shared_ptr<GenICamDevice> device =
+            std::dynamic_pointer_cast<GenICamFeature>(camera.features()->first())->device();
+        std::atomic<int> reports{0};
+        camera.setLostHandler([&] { ++reports; });
+        const auto timeout = [&](int ms)
+        {
+            return device->takeError(g_error_new(ARV_DEVICE_ERROR, ARV_DEVICE_ERROR_TIMEOUT, "timeout"),
+                                     std::chrono::milliseconds(ms));
+        };
+        QCOMPARE(device->patience(), GenICamDevice::Duration(std::chrono::milliseconds(3000)));
+        QCOMPARE(timeout(2000), Code(OrvErrorTimeout));
+        device->answered();
+        QCOMPARE(timeout(2000), Code(OrvErrorTimeout));
+        QCOMPARE(reports.load(), 0);
+        QCOMPARE(timeout(1001), Code(OrvErrorDeviceLost));
+        QCOMPARE(timeout(1), Code(OrvErrorDeviceLost));
+        QVERIFY(camera.isDeviceLost() && camera.lostReason().contains("no answer for 3001 ms"));
+        QCOMPARE(reports.load(), 1);
+        camera.setLostHandler([&] { reports += 10; });
+        QCOMPARE(reports.load(), 11);
+    }
+
+    // A camera taken over from another keeps the settings of the one that takes it.
+    void adoptKeepsTheSettings()
+    {
+        GenICamCamera window, opened;
+        window.setPollPeriod(70);
+        QCOMPARE(openModel(opened, "line-camera.xml"), QString());
+        window.adopt(opened);
+        QVERIFY(window.isOpen() && !opened.isOpen() && !window.features()->isEmpty());
+        QCOMPARE(window.pollPeriod(), 70);
+        QCOMPARE(std::dynamic_pointer_cast<GenICamFeature>(window.features()->first())->device()->poller().period(),
+                 70);
     }
 
     void observingSparesTheLink_data()
