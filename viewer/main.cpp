@@ -20,6 +20,7 @@
 #include <QTimer>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 
@@ -52,8 +53,7 @@ bool printsOnly(int argc, char** argv)
 const int FrameWaitMs = 10000;
 // The software trigger follows the start of the acquisition after this pause.
 const int TriggerDelayMs = 500;
-// How long the viewer waits at exit for the backend's background work before
-// it says why it still waits.
+// How long the viewer waits at exit for the backend's background threads.
 const int BackgroundWaitMs = 800;
 
 } // namespace
@@ -211,8 +211,13 @@ int main(int argc, char** argv)
         }
         return QCoreApplication::exec();
     }();
-    if (!GenICamCamera::waitForBackgroundWork(BackgroundWaitMs))
-        say(stderr, "triggerio-viewer: " + QCoreApplication::translate(
-                                               "main", "waiting for camera calls that wait for their timeout"));
-    return code;
+    if (GenICamCamera::waitForBackgroundWork(BackgroundWaitMs))
+        return code;
+    // A lost camera's goodbye (or an attempt to find it) waits for Aravis's
+    // timeouts, seconds on a silent link: the viewer ends without it, and
+    // without running static destructors under a thread still inside Aravis.
+    say(stderr, "triggerio-viewer: " +
+                    QCoreApplication::translate("main", "not waiting for a lost camera's calls to time out"));
+    app.reset();
+    std::quick_exit(code);
 }

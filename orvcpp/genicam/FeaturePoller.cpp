@@ -27,24 +27,64 @@ constexpr auto FirstReadingsWait = std::chrono::seconds(2);
 
 } // namespace
 
+// What the next look owes an observed feature: its entry's stage, and how
+// looks, writes and registrations move it on.
+//
+//   stage              a look claims it        a write to a register  the first observer
+//                      (then reads it)         it depends on          registers
+//   Clean              only when volatile:     -> Written [1]         -> Baseline when never
+//                      -> Clean, told [2]                                read [3]
+//   Baseline           -> BaselineRead         stays [4]              stays
+//   BaselineRead       read, told nobody:      -> Written [1]         -> Baseline when never
+//                      -> Clean                                          read
+//   WrittenUnobserved  -> Clean, told [2]      -> Written [1]         -> Baseline [5]
+//   Written            -> Clean, told [2]      -> Written [1]         stays
+//   WrittenOwn         -> Clean, told [2]      stays                  stays
+//
+// [1] WrittenOwn when written through its own handle; WrittenUnobserved when
+//     nobody observes it (and it is not Written already).
+// [2] Told (FeatureChanged) when its state differs from the one last seen
+//     under the same selector setting; always when written through its own
+//     handle under a selector, or when untold.
+// [3] An untold entry (a change found while one of its observers was away)
+//     becomes WrittenUnobserved instead, from Clean or BaselineRead, and its
+//     next look tells it whatever it reads.
+// [4] Its first reading, still to come, is the state to compare with: a
+//     writer waits for it (beforeWrite).
+// [5] What changed while nobody looked is nobody's news.
+enum class Stage : char
+{
+    Clean,
+    Baseline,
+    BaselineRead,
+    WrittenUnobserved,
+    Written,
+    WrittenOwn
+};
+
 struct FeaturePoller::State
 {
     struct Entry
     {
         std::weak_ptr<GenICamFeature> feature;
         std::vector<ObserverPtr> observers;
-        bool known = false;    // read at least once
-        bool dirty = false;    // something was written since the last reading
-        bool ownWrite = false; // ... among them one through its own handle
+        bool known = false; // read at least once: what it depends on is known
+        Stage stage = Stage::Clean;
+        bool isBaseline() const
+        {
+            return stage == Stage::Baseline || stage == Stage::BaselineRead;
+        }
+        bool isWritten() const
+        {
+            return stage == Stage::WrittenUnobserved || stage == Stage::Written || stage == Stage::WrittenOwn;
+        }
         // A change that an observer missed while it was unregistered (a tab
         // unregisters for the whole of its refresh, which takes seconds on a
         // slow link, while another page stays registered): reported again at
         // the next look after one registers.
         bool untold = false;
         std::vector<std::weak_ptr<OrvCPP::IFeatureObserver>> away; // unregistered, not back yet
-        bool observedWrite = false; // dirty by a write made while it was observed
-        bool baseline = false;      // to be read without reporting (registered afresh)
-        bool volatile_ = true;      // may change by itself (until known otherwise)
+        bool volatile_ = true; // may change by itself (until known otherwise)
         std::string last;
         std::map<std::string, std::string> bySetting; // selector setting -> state
         std::vector<const void*> registers;           // what it depends on, sorted
@@ -123,7 +163,7 @@ void FeaturePoller::State::countBaselines()
 {
     pendingBaselines =
         int(std::count_if(entries.begin(), entries.end(),
-                          [](const auto& item) { return item.second.baseline && !item.second.observers.empty(); }));
+                          [](const auto& item) { return item.second.isBaseline() && !item.second.observers.empty(); }));
 }
 
 void FeaturePoller::State::look(bool baselinesOnly)
@@ -134,6 +174,7 @@ void FeaturePoller::State::look(bool baselinesOnly)
         std::shared_ptr<GenICamFeature> feature;
         bool ownWrite; // written through its own handle since the last look
         bool untold;   // a change found earlier that nobody was there to hear
+        bool baseline; // read to compare with, not reported
     };
     std::vector<Reading> toRead;
     {
@@ -147,16 +188,17 @@ void FeaturePoller::State::look(bool baselinesOnly)
                 continue;
             }
             Entry& entry = it->second;
-            const bool wanted = !entry.observers.empty() &&
-                                (baselinesOnly ? entry.baseline : entry.baseline || entry.dirty || entry.volatile_);
+            const bool wanted =
+                !entry.observers.empty() &&
+                (baselinesOnly ? entry.stage == Stage::Baseline
+                               : entry.stage == Stage::Baseline || entry.isWritten() || entry.volatile_);
             if (wanted)
             {
-                toRead.push_back({it->first, std::move(feature), entry.ownWrite, entry.untold});
+                const bool baseline = entry.stage == Stage::Baseline;
+                toRead.push_back({it->first, std::move(feature), entry.stage == Stage::WrittenOwn, entry.untold, baseline});
                 entry.untold = false;
                 // A write from now on marks it again for the next look.
-                entry.dirty = false;
-                entry.ownWrite = false;
-                entry.observedWrite = false;
+                entry.stage = baseline ? Stage::BaselineRead : Stage::Clean;
             }
             ++it;
         }
@@ -204,10 +246,12 @@ void FeaturePoller::State::look(bool baselinesOnly)
         // and the tab relies on hearing of it (it rebuilds its output rows
         // when "LineMode" changes). Everything else is reported when its state
         // differs from the one last seen under the same setting.
-        const bool changed = !entry.baseline && (item.untold || (item.ownWrite && !setting.empty()) ||
+        const bool changed = !item.baseline && !entry.isBaseline() &&
+                             (item.untold || (item.ownWrite && !setting.empty()) ||
                                                  (seen != entry.bySetting.end() ? seen->second : entry.last) != now);
         entry.known = true;
-        entry.baseline = false;
+        if (entry.isBaseline())
+            entry.stage = Stage::Clean;
         entry.last = now;
         if (seen == entry.bySetting.end() && entry.bySetting.size() >= MaxSettings)
             entry.bySetting.clear();
@@ -330,12 +374,13 @@ OrvErrorType FeaturePoller::registerObserver(const std::shared_ptr<GenICamFeatur
                      entry.away.end());
     if (entry.untold)
     {
-        entry.dirty = true; // read at the next look and reported
+        if (entry.stage == Stage::Clean || entry.stage == Stage::BaselineRead)
+            entry.stage = Stage::WrittenUnobserved; // read at the next look and reported
         m_state->wake.notify_all();
     }
-    else if (observers.empty() && (!entry.known || (entry.dirty && !entry.observedWrite)))
+    else if (observers.empty() && (!entry.known || entry.stage == Stage::WrittenUnobserved))
     {
-        entry.baseline = true;
+        entry.stage = Stage::Baseline;
         m_state->wake.notify_all();
     }
     observers.push_back(observer);
@@ -400,11 +445,14 @@ void FeaturePoller::afterWrite(const std::vector<const void*>* registers, const 
                 std::find_first_of(depends.begin(), depends.end(), registers->begin(), registers->end()) !=
                     depends.end())
             {
-                if (item.first == writer)
-                    item.second.ownWrite = true;
-                if (!item.second.observers.empty())
-                    item.second.observedWrite = true;
-                item.second.dirty = true;
+                State::Entry& entry = item.second;
+                if (entry.stage == Stage::Baseline)
+                    continue; // its first reading, still to come, is the state before
+                if (entry.observers.empty() && entry.stage != Stage::Written && entry.stage != Stage::WrittenOwn)
+                    entry.stage = Stage::WrittenUnobserved;
+                else
+                    entry.stage =
+                        item.first == writer || entry.stage == Stage::WrittenOwn ? Stage::WrittenOwn : Stage::Written;
             }
         }
     }

@@ -442,6 +442,7 @@ private slots:
         window.reset();
         camera.close();
         QVERIFY2(closing.elapsed() < 1000, qPrintable(QString::number(closing.elapsed())));
+        QVERIFY(GenICamCamera::waitForBackgroundWork(6000)); // the goodbye to the lost camera ends
     }
 
     void runCommandShowsATriggeredFrame()
