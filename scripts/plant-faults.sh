@@ -265,6 +265,20 @@ ps-bulkExposureMode-9~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@con
 ps-bulkExposureMode-10~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkExposureMode{~pick(AcquisitionMode, "MultiFrame"),\n    ~~bulkExposureMode step 10, pick(AcquisitionMode, "MultiFrame"), left out
 ps-bulkExposureMode-11~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkExposureMode{~step(FrameCount10),\n    ~~bulkExposureMode step 11, step(FrameCount10), left out
 ps-bulkExposureMode-12~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkExposureMode{~\n    pick(TriggerMode, "On"),~~bulkExposureMode step 12, pick(TriggerMode, "On"), left out
+pl-starve~poller~orvcpp/genicam/FeaturePoller.cpp~self->written ? std::min(quietAgain, std::max(halfPeriod, self->lastWrite + self->quietTime() / 5))~self->written ? quietAgain~writes that never pause for long hold the look off for ever
+pl-writer-looks~poller~orvcpp/genicam/FeaturePoller.cpp~    if (m_state->pendingBaselines == 0 || m_state->threadId == std::this_thread::get_id())\n        return;~    if (m_state->threadId == std::this_thread::get_id())\n        return;\n    lock.unlock();\n    m_state->look(false);\n    return;~a writer looks by itself and tells observers on its own thread
+pl-away~poller~orvcpp/genicam/FeaturePoller.cpp~                entry.missed.push_back(gone);~                (void)gone;~a change is not kept for an observer that is away
+pl-owed~poller~orvcpp/genicam/FeaturePoller.cpp~changed ? entry.observers : item.owed;~changed || !item.owed.empty() ? entry.observers : item.owed;~a change owed to one observer told again to every observer
+pl-unobserved~poller~orvcpp/genicam/FeaturePoller.cpp~(!entry.known || entry.stage == Stage::WrittenUnobserved)~(!entry.known)~a change made while nobody observed is told to the next observer
+pl-setting~poller~orvcpp/genicam/FeaturePoller.cpp~(seen != entry.bySetting.end() ? seen->second : entry.last) != now~entry.last != now~states compared across selector settings
+pl-own~poller~orvcpp/genicam/FeaturePoller.cpp~item.first == writer || entry.stage == Stage::WrittenOwn ? Stage::WrittenOwn : Stage::Written~entry.stage == Stage::WrittenOwn ? Stage::WrittenOwn : Stage::Written~a write through a feature's own handle is not told as such
+pl-baseline-write~poller~orvcpp/genicam/FeaturePoller.cpp~                if (entry.stage == Stage::Baseline)\n                    continue;~~a write before the first reading turns it into a change
+dv-patience~device~orvcpp/genicam/GenICamDevice.cpp~            if (m_timedOut > m_patience)~            if (m_timedOut > m_patience + m_patience)~timeouts count as a loss only after twice the patience
+dv-answered~device~orvcpp/genicam/GenICamDevice.h~    {\n        m_timedOut = Duration::zero();\n    }~    {\n    }~an answer does not start the timeouts afresh
+dv-late-handler~device~orvcpp/genicam/GenICamDevice.cpp~    if (isLost())\n        reportLost();~~a lost handler set after the loss never hears of it
+dv-first-reason~device~orvcpp/genicam/GenICamDevice.cpp~        if (m_lost.load())\n            return; // the first reason stays~        if (false)\n            return;~a loss reported again, its reason overwritten
+fd-serial~finder~viewer/CameraFinder.cpp~else if (!serial.isEmpty() && !camera->serialNumber().isEmpty() && camera->serialNumber() != serial)~else if (false)~another camera at the same address is taken
+fd-retry~finder~viewer/CameraFinder.cpp~    emit missed(reason);\n    m_next.start();~    emit missed(reason);~the search ends after one failed attempt
 LIST
 )
 
@@ -347,7 +361,7 @@ done <<<"$faults"
 cmake --build "$build" -j"$jobs" >/dev/null 2>&1
 echo
 printf '%-12s %6s %7s %7s\n' kind faults caught missed
-for kind in dispatch preset-step literal size alt-order restore row-limit other equivalent; do
+for kind in dispatch preset-step literal size alt-order restore row-limit other poller device finder equivalent; do
     [ -n "${k_all[$kind]:-}" ] || continue
     printf '%-12s %6d %7d %7d\n' "$kind" "${k_all[$kind]}" "${k_caught[$kind]:-0}" "${k_missed[$kind]:-0}"
 done

@@ -13,6 +13,7 @@
 #include <vector>
 
 using ObserverPtr = std::shared_ptr<OrvCPP::IFeatureObserver>;
+using WeakObserver = std::weak_ptr<OrvCPP::IFeatureObserver>;
 using Clock = std::chrono::steady_clock;
 
 namespace
@@ -45,10 +46,11 @@ constexpr auto FirstReadingsWait = std::chrono::seconds(2);
 //     nobody observes it (and it is not Written already).
 // [2] Told (FeatureChanged) when its state differs from the one last seen
 //     under the same selector setting; always when written through its own
-//     handle under a selector, or when untold.
-// [3] An untold entry (a change found while one of its observers was away)
-//     becomes WrittenUnobserved instead, from Clean or BaselineRead, and its
-//     next look tells it whatever it reads.
+//     handle under a selector. Told to the observers registered then.
+// [3] An observer that was unregistered when a change was told is owed it:
+//     when it registers again the entry becomes WrittenUnobserved instead
+//     (from Clean or BaselineRead), and its next look tells that observer
+//     whatever it reads, if it tells nobody else.
 // [4] Its first reading, still to come, is the state to compare with: a
 //     writer waits for it (beforeWrite).
 // [5] What changed while nobody looked is nobody's news.
@@ -78,12 +80,13 @@ struct FeaturePoller::State
         {
             return stage == Stage::WrittenUnobserved || stage == Stage::Written || stage == Stage::WrittenOwn;
         }
-        // A change that an observer missed while it was unregistered (a tab
+        // Observers that missed a change while they were unregistered (a tab
         // unregisters for the whole of its refresh, which takes seconds on a
-        // slow link, while another page stays registered): reported again at
-        // the next look after one registers.
-        bool untold = false;
-        std::vector<std::weak_ptr<OrvCPP::IFeatureObserver>> away; // unregistered, not back yet
+        // slow link, while another page stays registered), and those of them
+        // registered again, to whom the next look tells it.
+        std::vector<WeakObserver> away;   // unregistered, not back yet
+        std::vector<WeakObserver> missed; // away when a change was told
+        std::vector<ObserverPtr> owed;    // back after missing one
         bool volatile_ = true; // may change by itself (until known otherwise)
         std::string last;
         std::map<std::string, std::string> bySetting; // selector setting -> state
@@ -105,7 +108,8 @@ struct FeaturePoller::State
 
     static void run(std::shared_ptr<State> self);
     // Whether an observer of the entry is unregistered now and still alive.
-    static bool someoneAway(Entry& entry);
+    // Forgets observers that are gone, and observer (when given) in both lists.
+    static void prune(std::vector<WeakObserver>& list, const ObserverPtr& observer = nullptr);
     // Reads the observed features that need it; baselinesOnly: only those
     // registered afresh, whose reading is compared with nothing.
     void look(bool baselinesOnly);
@@ -137,11 +141,14 @@ void FeaturePoller::State::run(std::shared_ptr<State> self)
         // After writes one look once they pause, else one a period (it reads
         // only volatile features, if any). Writes that never pause for long
         // (a page that walks a selector and puts it back ten times a second)
-        // hold the look off for a period at most: then a short pause will do.
+        // hold the look off for half a period at most, then a short pause
+        // will do: with the tab's tick of a period, a change is shown within
+        // one and a half periods.
         const Clock::time_point quietAgain = self->lastWrite + self->quietTime();
         const Clock::time_point nextPeriod = self->lastLook + std::chrono::milliseconds(self->periodMs);
+        const Clock::time_point halfPeriod = self->lastLook + std::chrono::milliseconds(self->periodMs / 2);
         const Clock::time_point due =
-            self->written ? std::min(quietAgain, std::max(nextPeriod, self->lastWrite + self->quietTime() / 5))
+            self->written ? std::min(quietAgain, std::max(halfPeriod, self->lastWrite + self->quietTime() / 5))
                           : std::max(nextPeriod, quietAgain);
         if (Clock::now() < due)
         {
@@ -173,7 +180,7 @@ void FeaturePoller::State::look(bool baselinesOnly)
         const GenICamFeature* key;
         std::shared_ptr<GenICamFeature> feature;
         bool ownWrite; // written through its own handle since the last look
-        bool untold;   // a change found earlier that nobody was there to hear
+        std::vector<ObserverPtr> owed; // told whatever the look finds
         bool baseline; // read to compare with, not reported
     };
     std::vector<Reading> toRead;
@@ -195,8 +202,8 @@ void FeaturePoller::State::look(bool baselinesOnly)
             if (wanted)
             {
                 const bool baseline = entry.stage == Stage::Baseline;
-                toRead.push_back({it->first, std::move(feature), entry.stage == Stage::WrittenOwn, entry.untold, baseline});
-                entry.untold = false;
+                toRead.push_back({it->first, std::move(feature), entry.stage == Stage::WrittenOwn, {}, baseline});
+                toRead.back().owed.swap(entry.owed);
                 // A write from now on marks it again for the next look.
                 entry.stage = baseline ? Stage::BaselineRead : Stage::Clean;
             }
@@ -247,8 +254,8 @@ void FeaturePoller::State::look(bool baselinesOnly)
         // when "LineMode" changes). Everything else is reported when its state
         // differs from the one last seen under the same setting.
         const bool changed = !item.baseline && !entry.isBaseline() &&
-                             (item.untold || (item.ownWrite && !setting.empty()) ||
-                                                 (seen != entry.bySetting.end() ? seen->second : entry.last) != now);
+                             ((item.ownWrite && !setting.empty()) ||
+                              (seen != entry.bySetting.end() ? seen->second : entry.last) != now);
         entry.known = true;
         if (entry.isBaseline())
             entry.stage = Stage::Clean;
@@ -256,10 +263,18 @@ void FeaturePoller::State::look(bool baselinesOnly)
         if (seen == entry.bySetting.end() && entry.bySetting.size() >= MaxSettings)
             entry.bySetting.clear();
         entry.bySetting[setting] = now;
-        if (changed && someoneAway(entry))
-            entry.untold = true;
-        if (changed && !entry.observers.empty())
-            changes.push_back({item.key, item.feature, entry.observers});
+        if (changed)
+        {
+            for (const WeakObserver& gone : entry.away)
+            {
+                prune(entry.missed, gone.lock());
+                entry.missed.push_back(gone);
+            }
+            prune(entry.missed);
+        }
+        const std::vector<ObserverPtr>& told = changed ? entry.observers : item.owed;
+        if (!told.empty())
+            changes.push_back({item.key, item.feature, told});
     }
     {
         std::lock_guard<std::mutex> lock(mutex);
@@ -282,7 +297,7 @@ void FeaturePoller::State::look(bool baselinesOnly)
                 if (std::find(it->second.observers.begin(), it->second.observers.end(), observer) ==
                     it->second.observers.end())
                 {
-                    it->second.untold = true; // unregistered in the meantime: told when it is back
+                    it->second.missed.push_back(observer); // unregistered in the meantime: told when it is back
                     continue;
                 }
             }
@@ -291,12 +306,12 @@ void FeaturePoller::State::look(bool baselinesOnly)
     }
 }
 
-bool FeaturePoller::State::someoneAway(Entry& entry)
+void FeaturePoller::State::prune(std::vector<WeakObserver>& list, const ObserverPtr& observer)
 {
-    entry.away.erase(std::remove_if(entry.away.begin(), entry.away.end(),
-                                    [](const std::weak_ptr<OrvCPP::IFeatureObserver>& gone) { return gone.expired(); }),
-                     entry.away.end());
-    return !entry.away.empty();
+    list.erase(std::remove_if(list.begin(), list.end(),
+                              [&](const WeakObserver& gone)
+                              { return gone.expired() || (observer && gone.lock() == observer); }),
+               list.end());
 }
 
 FeaturePoller::FeaturePoller()
@@ -364,16 +379,16 @@ OrvErrorType FeaturePoller::registerObserver(const std::shared_ptr<GenICamFeatur
         return OrvErrorInvalidCall;
     // Changes from now on are reported: a feature never read, or written only
     // while nobody observed it, is read soon on the poller's thread and
-    // compared from then on. A change found, or a write made, while it was
-    // observed is still reported to the observers registered now (the tab
-    // unregisters for a moment on every tick). Otherwise what was last seen
-    // still holds.
-    entry.away.erase(std::remove_if(entry.away.begin(), entry.away.end(),
-                                    [&](const std::weak_ptr<OrvCPP::IFeatureObserver>& gone)
-                                    { return gone.expired() || gone.lock() == observer; }),
-                     entry.away.end());
-    if (entry.untold)
+    // compared from then on. A change told to others while this observer was
+    // unregistered is told to it at the next look (the tab unregisters for
+    // the whole of its refresh). Otherwise what was last seen still holds.
+    State::prune(entry.away, observer);
+    const bool owed = std::any_of(entry.missed.begin(), entry.missed.end(),
+                                  [&](const WeakObserver& gone) { return gone.lock() == observer; });
+    State::prune(entry.missed, observer);
+    if (owed)
     {
+        entry.owed.push_back(observer);
         if (entry.stage == Stage::Clean || entry.stage == Stage::BaselineRead)
             entry.stage = Stage::WrittenUnobserved; // read at the next look and reported
         m_state->wake.notify_all();

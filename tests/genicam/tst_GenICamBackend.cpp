@@ -427,6 +427,12 @@ private slots:
         QCOMPARE(first->waitFor("LineInverter", 5000), QStringList{"LineInverter"});
         QCOMPARE(inverter->RegisterObserver(second), Code(OrvErrorSuccess));
         QCOMPARE(second->waitFor("LineInverter", 5000), QStringList{"LineInverter"});
+        // Changed while nobody observed it: nobody's news.
+        QCOMPARE(inverter->UnregisterObserver(first), Code(OrvErrorSuccess));
+        QCOMPARE(inverter->UnregisterObserver(second), Code(OrvErrorSuccess));
+        runStep(camera, "LineInverter=false");
+        QCOMPARE(inverter->RegisterObserver(first), Code(OrvErrorSuccess));
+        QCOMPARE(first->waitFor("LineInverter", 500, 2), QStringList{"LineInverter"});
     }
 
     // Timeouts count as a loss only when they follow each other for longer
@@ -479,6 +485,8 @@ private slots:
         auto row = [](const char* tag, const QStringList& observed, const QString& steps, const QStringList& reported)
         { QTest::newRow(tag) << observed << steps << reported; };
         row("own write", {"UserOutputValue"}, "UserOutputValue=true", {"UserOutputValue"});
+        row("own write under another selector setting", {"LineMode"}, "LineSelector=Line2 LineMode=Output "
+            "LineSelector=Line0", {"LineMode"});
         row("side effect of a selector write", {"LineSource"}, "LineSelector=Line1", {"LineSource"});
         row("lock follows another feature", {"AcquisitionFrameCount"}, "AcquisitionMode=MultiFrame",
             {"AcquisitionFrameCount"});
