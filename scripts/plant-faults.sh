@@ -277,6 +277,7 @@ dv-patience~device~orvcpp/genicam/GenICamDevice.cpp~            if (m_timedOut >
 dv-answered~device~orvcpp/genicam/GenICamDevice.h~    {\n        m_timedOut = Duration::zero();\n    }~    {\n    }~an answer does not start the timeouts afresh
 dv-late-handler~device~orvcpp/genicam/GenICamDevice.cpp~    if (isLost())\n        reportLost();~~a lost handler set after the loss never hears of it
 dv-first-reason~device~orvcpp/genicam/GenICamDevice.cpp~        if (m_lost.load())\n            return; // the first reason stays~        if (false)\n            return;~a loss reported again, its reason overwritten
+dv-retake~device~orvcpp/genicam/GenICamDevice.cpp~                if (arv_gv_device_take_control(device, &error) && arv_gv_device_is_controller(device))\n                    return; // ours again: Aravis's heartbeat runs on~                return;~control lost to a silence is never taken back
 fd-serial~finder~viewer/CameraFinder.cpp~else if (!serial.isEmpty() && !camera->serialNumber().isEmpty() && camera->serialNumber() != serial)~else if (false)~another camera at the same address is taken
 fd-retry~finder~viewer/CameraFinder.cpp~    emit missed(reason);\n    m_next.start();~    emit missed(reason);~the search ends after one failed attempt
 LIST

@@ -8,9 +8,10 @@
 
 Q_DECLARE_METATYPE(std::shared_ptr<GenICamCamera>)
 
-// The finder against a fake GigE Vision camera on 127.0.0.1: it takes only the
-// camera with the serial number it looks for, and it can go at any moment.
-class tst_CameraFinder : public QObject
+// Finding a camera again, and keeping it, against a fake GigE Vision camera on
+// 127.0.0.1: the finder takes only the camera with the serial number it looks
+// for and can go at any moment; control lost to a silence is taken back.
+class tst_GigERecovery : public QObject
 {
     Q_OBJECT
 
@@ -58,7 +59,31 @@ private slots:
         GenICamCamera camera;
         QCOMPARE(camera.open("127.0.0.1"), OrvErrorSuccess);
     }
+
+    // Silent for longer than its heartbeat timeout, the camera drops us as its
+    // controller and says so once it answers again: control is taken back,
+    // and Aravis's heartbeat keeps it ours (else the camera would drop us
+    // again three seconds later).
+    void controlTakenBackAfterASilence()
+    {
+        GenICamCamera camera;
+        QCOMPARE(camera.open("127.0.0.1"), OrvErrorSuccess);
+        QCOMPARE(camera.serialNumber(), QString::fromLatin1(m_server.serial()));
+        const auto privilege = [&]
+        {
+            guint32 value = 0;
+            camera.withAravisDevice([&](ArvDevice* device) { arv_device_read_register(device, 0x0a00, &value, nullptr); });
+            return value;
+        };
+        m_server.pause();
+        QTest::qWait(4000);
+        m_server.resume();
+        QTest::qWait(3000); // the camera's drop seen by Aravis's heartbeat, control asked for again
+        QTest::qWait(5000);
+        QCOMPARE(privilege() & 0x3, guint32(0x2)); // control, not exclusive
+        QVERIFY(!camera.isDeviceLost());
+    }
 };
 
-QTEST_GUILESS_MAIN(tst_CameraFinder)
-#include "tst_CameraFinder.moc"
+QTEST_GUILESS_MAIN(tst_GigERecovery)
+#include "tst_GigERecovery.moc"
