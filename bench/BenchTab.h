@@ -13,6 +13,7 @@ class BenchTab : public IOTriggerWidget
 public:
     using IOTriggerWidget::IOTriggerWidget;
     using IOTriggerWidget::m_pComboTriggerActivation;
+    using IOTriggerWidget::m_pComboTriggerMode;
 
     void stopTimer()
     {

@@ -11,8 +11,11 @@
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFileInfo>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
 #include <QTextStream>
 
+#include <algorithm>
 #include <cstdio>
 #include <functional>
 #include <memory>
@@ -23,7 +26,7 @@
 // in-process fake device, and the tab's own cost on in-memory cameras of
 // 100 to 10,000 features.
 //
-//   triggerio-bench [--idle SECONDS] [--only gige|fake|memory] [--models line,syncout,routing]
+//   triggerio-bench [--idle SECONDS] [--only gige|fake|memory|walk] [--models line,syncout,routing]
 //
 // Run it under `flock /tmp/triggerio-gige.lock` when other programs use the
 // loopback GigE Vision port.
@@ -346,6 +349,56 @@ void runModel(const QString& model, bool gige, int idleSeconds)
     printTable(model + (gige ? " over loopback GigE Vision" : " on the in-process fake device"), rows, gige);
 }
 
+// How soon a change on the camera shows on the Trigger IO tab while the I/O
+// Monitor samples a camera without LineStatusAll (it walks LineSelector, a
+// write and a write back, ten times a second): the line model without
+// LineStatusAll, the tab shown (it ticks once a second) beside the monitor. The
+// change is TriggerMode, written straight through Aravis at a random moment.
+void runWalkNotification(bool gige)
+{
+    QFile model(QStringLiteral(TRIGGERIO_CAMERAS_DIR) + "/line-camera.xml");
+    QTemporaryDir dir;
+    const QString path = dir.filePath("walk-camera.xml");
+    QFile walk(path);
+    if (!model.open(QIODevice::ReadOnly) || !walk.open(QIODevice::WriteOnly) ||
+        walk.write(model.readAll().replace("<pFeature>LineStatusAll</pFeature>", "")) < 0)
+        return;
+    walk.close();
+    GenICamCamera camera;
+    FakeGigEServer server;
+    QString error;
+    if (gige ? !server.startAndOpen(path, camera, &error)
+             : camera.open(GenICamCamera::FakePrefix + path) != OrvErrorSuccess)
+    {
+        out << "\nwalk notification: not run (" << (gige ? error : camera.errorString()) << ")\n";
+        return;
+    }
+    // Both pages shown, as two windows would show them.
+    BenchTab tab(camera.features(), nullptr);
+    IOMonitorWidget monitor(camera.features(), nullptr);
+    tab.show();
+    monitor.show();
+    runEvents(1500);
+    QVector<double> took;
+    for (int round = 0; round < 8; ++round)
+    {
+        runEvents(300 + int(QRandomGenerator::global()->bounded(1000)));
+        const QString wanted = tab.m_pComboTriggerMode->currentText() == "On" ? "Off" : "On";
+        QElapsedTimer timer;
+        timer.start();
+        camera.withAravisDevice([&](ArvDevice* device)
+                                { arv_device_set_string_feature_value(device, "TriggerMode", qPrintable(wanted), nullptr); });
+        while (tab.m_pComboTriggerMode->currentText() != wanted && timer.elapsed() < 5000)
+            runEvents(10);
+        took << double(timer.elapsed());
+    }
+    std::sort(took.begin(), took.end());
+    out << "\nCamera-side change shown by the Trigger IO tab, I/O Monitor walking LineSelector 10 times a second ("
+        << (gige ? "loopback GigE Vision" : "in-process fake device") << (monitor.isSampling() ? "" : ", NOT sampling")
+        << "): median " << number(took[took.size() / 2], 0) << " ms, worst " << number(took.last(), 0) << " ms of "
+        << took.size() << "\n";
+}
+
 QString callsText(const MemoryCamera::Calls& after, const MemoryCamera::Calls& before)
 {
     QStringList parts;
@@ -475,6 +528,11 @@ int main(int argc, char** argv)
             runModel(model, true, idleSeconds);
         if (only.isEmpty() || only == "fake")
             runModel(model, false, idleSeconds);
+    }
+    if (only.isEmpty() || only == "walk")
+    {
+        runWalkNotification(false);
+        runWalkNotification(true);
     }
     if (only.isEmpty() || only == "memory")
         runMemory();
