@@ -17,7 +17,8 @@
 # keeps as it is (literal), each size the tab computes (size), each lookup of a
 # feature by alternative names, its order turned round (alt-order), each
 # selector walk's restore, dropped or moved (restore), each condition that
-# limits a write to the rows it concerns (row-limit), and some more (other).
+# limits a write to the rows it concerns (row-limit), each bound of the fake
+# device's memory and each access it guards (device), and some more (other).
 # A step that nothing can tell from its absence (it repeats what the steps
 # before it left in place) is planted as "equivalent": caught would mean the
 # reasoning in its description is wrong.
@@ -280,6 +281,16 @@ dv-first-reason~device~orvcpp/genicam/GenICamDevice.cpp~        if (m_lost.load(
 dv-retake~device~orvcpp/genicam/GenICamDevice.cpp~                if (arv_gv_device_take_control(device, &error) && arv_gv_device_is_controller(device))\n                    return; // ours again: Aravis's heartbeat runs on~                return;~control lost to a silence is never taken back
 fd-serial~finder~viewer/CameraFinder.cpp~else if (!serial.isEmpty() && !camera->serialNumber().isEmpty() && camera->serialNumber() != serial)~else if (false)~another camera at the same address is taken
 fd-retry~finder~viewer/CameraFinder.cpp~    emit missed(reason);\n    m_next.start();~    emit missed(reason);~the search ends after one failed attempt
+dev-xml-twice~device~orvcpp/genicam/GuardedFakeDevice.cpp~ARV_FAKE_CAMERA_MEMORY_SIZE + guint64(xmlSize)~ARV_FAKE_CAMERA_MEMORY_SIZE + 2 * guint64(xmlSize)~the fake device's memory ends the description's size too late: reads run past it
+dev-no-xml~device~orvcpp/genicam/GuardedFakeDevice.cpp~ARV_FAKE_CAMERA_MEMORY_SIZE + guint64(xmlSize)~ARV_FAKE_CAMERA_MEMORY_SIZE~the fake device's description refused as outside its memory
+dev-end-one~device~orvcpp/genicam/GuardedFakeDevice.cpp~size <= end - address~size < end - address~the last bytes of the fake device's memory refused
+dev-wrap~device~orvcpp/genicam/GuardedFakeDevice.cpp~address <= end && size <= end - address~address + size <= end~an address that wraps round past zero let through
+dev-read-memory~device~orvcpp/genicam/GuardedFakeDevice.cpp~return allowed(device, address, size, error) && parentClass->read_memory(~return parentClass->read_memory(~a memory read past the fake device's end let through
+dev-write-memory~device~orvcpp/genicam/GuardedFakeDevice.cpp~return allowed(device, address, size, error) && parentClass->write_memory(~return parentClass->write_memory(~a memory write past the fake device's end let through
+dev-read-register~device~orvcpp/genicam/GuardedFakeDevice.cpp~return allowed(device, address, 4, error) && parentClass->read_register(~return parentClass->read_register(~a register read past the fake device's end let through
+dev-write-register~device~orvcpp/genicam/GuardedFakeDevice.cpp~return allowed(device, address, 4, error) && parentClass->write_register(~return parentClass->write_register(~a register write past the fake device's end let through
+dev-not-chained~device~orvcpp/genicam/GuardedFakeDevice.cpp~&& parentClass->read_memory(device, address, size, buffer, error)~&& buffer~a memory read the guard allows is not handed on to the fake camera
+dev-plain~device~orvcpp/genicam/GenICamCamera.cpp~GuardedFakeDevice::create(serialNumber~arv_fake_device_new(serialNumber~models open on Aravis's own, unguarded fake device
 LIST
 )
 

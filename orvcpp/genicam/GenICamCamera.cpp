@@ -4,11 +4,11 @@
 #include "GenICamCamera.h"
 
 #include "BackgroundJobs.h"
-#include "FakeDeviceMemoryGuard.h"
 #include "FeaturePoller.h"
 #include "GenICamDevice.h"
 #include "GenICamFeature.h"
 #include "GenICamReferenceGraph.h"
+#include "GuardedFakeDevice.h"
 
 #include <QAtomicInt>
 #include <QFile>
@@ -168,7 +168,7 @@ OrvErrorType GenICamCamera::openFake(const QString& path, ArvDevice*& device)
     {
         std::lock_guard<std::mutex> lock(aravisGlobalLock());
         arv_set_fake_camera_genicam_filename(fileName.constData());
-        device = arv_fake_device_new(serialNumber.constData(), &error);
+        device = GuardedFakeDevice::create(serialNumber.constData(), &error);
         arv_set_fake_camera_genicam_filename(nullptr);
     }
     if (!device)
@@ -262,8 +262,6 @@ OrvErrorType GenICamCamera::open(const QString& id)
                     QStringLiteral("%1 in the camera description: %2")
                         .arg(problem, GenICamReferenceGraph::describe(loop.isEmpty() ? overload.path : loop)));
     }
-    if (ARV_IS_FAKE_DEVICE(device))
-        FakeDeviceMemoryGuard::install();
     auto shared = std::make_shared<GenICamDevice>(device, id.toStdString());
     shared->watchControl();
     ArvGcNode* root = arv_gc_get_node(shared->genicam(), "Root");

@@ -314,6 +314,23 @@ private slots:
         QCOMPARE(lines, m_record.take(QString(QTest::currentDataTag()), lines));
     }
 
+    // Refused: an access past the fake device's memory (0x10000 bytes, the description), above 4 GiB or wrapped.
+    void fakeMemoryEnd()
+    {
+        const guint64 end = 0x10000 + QFileInfo(TRIGGERIO_CAMERAS_DIR "/line-camera.xml").size();
+        const auto check = [&, word = guint32(0)](ArvDevice* device) mutable
+        {
+            QVERIFY(arv_device_read_memory(device, end - 4, 4, &word, nullptr));
+            for (const guint64 at : {end - 3, (guint64(1) << 32) + 0x100, ~guint64(1)})
+                QVERIFY(!arv_device_read_memory(device, at, 4, &word, nullptr) &&
+                        !arv_device_write_memory(device, at, 4, &word, nullptr) &&
+                        !arv_device_read_register(device, at, &word, nullptr) &&
+                        !arv_device_write_register(device, at, 1, nullptr));
+        };
+        GenICamCamera camera;
+        QVERIFY(openModel(camera, "line-camera.xml").isEmpty() && camera.withAravisDevice(check));
+    }
+
     // The registration rules, on features that outlive their camera (and close
     // the device cleanly when dropped with an observer still registered).
     void registrationOnFeaturesOutlivingTheCamera()
