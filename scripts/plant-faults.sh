@@ -265,6 +265,15 @@ ps-bulkExposureMode-9~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@con
 ps-bulkExposureMode-10~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkExposureMode{~pick(AcquisitionMode, "MultiFrame"),\n    ~~bulkExposureMode step 10, pick(AcquisitionMode, "MultiFrame"), left out
 ps-bulkExposureMode-11~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkExposureMode{~step(FrameCount10),\n    ~~bulkExposureMode step 11, step(FrameCount10), left out
 ps-bulkExposureMode-12~preset-step~triggerio/IOTriggerWidgetQuickSettings.cpp@const Steps bulkExposureMode{~\n    pick(TriggerMode, "On"),~~bulkExposureMode step 12, pick(TriggerMode, "On"), left out
+v-disabled~viewer~viewer/ViewerWindow.cpp~    m_tabs->setEnabled(false);\n~~the pages stay enabled while the camera is lost
+v-result4~viewer~viewer/ViewerWindow.cpp~if (result == 4)~if (result == -4)~a plug-in that does not serve the camera (result 4) is named as a problem
+v-modal~viewer~viewer/ViewerWindow.cpp~QApplication::activeModalWidget() || ~~the pages are rebuilt under an open modal dialog
+v-popup~viewer~viewer/ViewerWindow.cpp~ || QApplication::activePopupWidget()~~the pages are rebuilt under an open popup
+v-current~viewer~viewer/ViewerWindow.cpp~m_tabs->setCurrentIndex(i);~m_tabs->setCurrentIndex(0);~the first page is current after a rebuild
+v-carry~viewer~viewer/ViewerWindow.cpp~buildPages(carried);~buildPages();~the rebuild hands no page's history on
+v-handover~viewer~iomonitor/IOMonitorWidget.cpp~        m_history->traces.push_back(std::move(row->trace));~        (void)row;~a deleted monitor page offers no traces
+v-settings~viewer~iomonitor/IOMonitorWidget.cpp~    ui->sb_Window->setValue(before->seconds);\n~~the monitor's time window is not taken over
+v-gap~viewer~iomonitor/IOMonitorWidget.cpp~        m_pSampleTimer->stop();\n        markNotSampled();~        m_pSampleTimer->stop();~time not sampled is drawn as the last level held
 LIST
 )
 
@@ -347,7 +356,7 @@ done <<<"$faults"
 cmake --build "$build" -j"$jobs" >/dev/null 2>&1
 echo
 printf '%-12s %6s %7s %7s\n' kind faults caught missed
-for kind in dispatch preset-step literal size alt-order restore row-limit other equivalent; do
+for kind in dispatch preset-step literal size alt-order restore row-limit other viewer equivalent; do
     [ -n "${k_all[$kind]:-}" ] || continue
     printf '%-12s %6d %7d %7d\n' "$kind" "${k_all[$kind]}" "${k_caught[$kind]:-0}" "${k_missed[$kind]:-0}"
 done
