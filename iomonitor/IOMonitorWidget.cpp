@@ -15,8 +15,24 @@
 #include <QTimer>
 #include <QTranslator>
 
+// The traces of a deleted page, with the start of the clock their times count
+// from (msecsSinceReference() of its QElapsedTimer), and the page's settings.
+struct IOMonitorWidget::History
+{
+    std::vector<SignalTrace> traces;
+    qint64 clockStart = 0;
+    int rate = 0; // samples a second; 0 until the page is deleted
+    int seconds = 0;
+    bool states = false;
+    bool paused = false;
+};
+Q_DECLARE_METATYPE(std::shared_ptr<IOMonitorWidget::History>)
+
 namespace
 {
+
+// The parent's dynamic property on which a page hands its history on to its successor.
+const char* const CarryOverProperty = "triggerioCarryOver";
 
 // Samples are kept this long, the longest window the page shows.
 const qint64 KeptMs = 60000;
@@ -47,6 +63,7 @@ IOMonitorWidget::IOMonitorWidget(const FeatureList& features, QWidget* parent)
     , ui(new Ui::IOMonitorWidget)
     , m_lines(features)
     , m_trigger(features)
+    , m_history(std::make_shared<History>())
 {
     if (m_lines.lines().isEmpty())
         throw TENotSupported("IOMonitorWidget", "No lines to monitor, widget not constructed");
@@ -77,6 +94,11 @@ IOMonitorWidget::IOMonitorWidget(const FeatureList& features, QWidget* parent)
     updateSamplingNote();
     ui->l_Trigger->setText(m_trigger.sentence());
     m_clock.start();
+    if (parent)
+    {
+        takeOver(parent->property(CarryOverProperty).value<std::shared_ptr<History>>());
+        parent->setProperty(CarryOverProperty, QVariant::fromValue(m_history));
+    }
     showRows();
 
     m_ObservedFeatures << QStringList{"LineMode", "TriggerSelector", "TriggerMode", "TriggerSource",
@@ -84,7 +106,46 @@ IOMonitorWidget::IOMonitorWidget(const FeatureList& features, QWidget* parent)
     RegisterFeatureObserver(true);
 }
 
-IOMonitorWidget::~IOMonitorWidget() = default;
+IOMonitorWidget::~IOMonitorWidget()
+{
+    // The history goes to whoever holds the offer, the parent's property or a copy of it.
+    if (m_pSampleTimer->isActive())
+        markNotSampled();
+    m_history->clockStart = m_clock.msecsSinceReference();
+    m_history->rate = ui->sb_Rate->value();
+    m_history->seconds = ui->sb_Window->value();
+    m_history->states = ui->cb_States->isChecked();
+    m_history->paused = ui->pb_Pause->isChecked();
+    for (const std::unique_ptr<Row>& row : m_rows)
+        m_history->traces.push_back(std::move(row->trace));
+}
+
+void IOMonitorWidget::takeOver(const std::shared_ptr<History>& before)
+{
+    if (!before || before == m_history || before->rate == 0)
+        return;
+    ui->sb_Rate->setValue(before->rate);
+    ui->sb_Window->setValue(before->seconds);
+    ui->cb_States->setChecked(before->states);
+    ui->pb_Pause->setChecked(before->paused);
+    // The predecessor's sample times, on this page's clock.
+    const qint64 shift = before->clockStart - m_clock.msecsSinceReference();
+    for (SignalTrace& trace : before->traces)
+    {
+        for (const std::unique_ptr<Row>& row : m_rows)
+        {
+            if (row->trace.name() != trace.name() || trace.samples().isEmpty())
+                continue;
+            const QString kind = row->trace.kind(); // what this camera says now
+            row->trace = std::move(trace);
+            row->trace.shift(shift);
+            row->trace.setKind(kind);
+            m_lastSampleMs = qMax(m_lastSampleMs, row->trace.samples().last().ms);
+            break;
+        }
+    }
+    before->traces.clear();
+}
 
 void IOMonitorWidget::addRow(const QString& name, const QString& kind)
 {
@@ -179,8 +240,21 @@ void IOMonitorWidget::updateSampling()
     m_pSampleTimer->setInterval(1000 / ui->sb_Rate->value());
     if (on && !m_pSampleTimer->isActive())
         m_pSampleTimer->start();
-    else if (!on)
+    else if (!on && m_pSampleTimer->isActive())
+    {
         m_pSampleTimer->stop();
+        markNotSampled();
+    }
+}
+
+void IOMonitorWidget::markNotSampled()
+{
+    const qint64 now = m_clock.elapsed();
+    for (const std::unique_ptr<Row>& row : m_rows)
+    {
+        if (row->trace.level() != SignalTrace::Unknown)
+            row->trace.append(now, SignalTrace::Unknown);
+    }
 }
 
 void IOMonitorWidget::sampleNow()

@@ -30,7 +30,16 @@ class IOMonitorWidget;
 // while the page is shown, enabled (the viewer disables its pages while the
 // camera is lost) and not paused. The page writes nothing to the camera but
 // the selector walks that read selector-dependent levels, which put the
-// selector back.
+// selector back. Time not sampled (the page hidden, paused or disabled) is a
+// gap in the traces, as a failed read is, never the last level held.
+//
+// A page built anew for the same camera (the viewer does so when a lost
+// camera answers again) goes on with its predecessor's traces, edge counts
+// and settings, the time between them a gap: each page offers its history as
+// the dynamic property "triggerioCarryOver" of the parent it is given, filled
+// when the page is deleted, and takes over the history it finds there when it
+// is built (rows matched by name). A host copies the property from the old
+// parent to the new one before get().
 class IOMonitorWidget : public BaseTabPluginWidget
 {
     Q_OBJECT
@@ -48,6 +57,9 @@ public:
     QVector<const SignalTrace*> traces() const;
     // Writes what the traces show now as a Value Change Dump.
     bool saveVcd(const QString& path, QString* error) const;
+
+    // What a page hands on to its successor (see above).
+    struct History;
 
 public slots:
     // The host's acquisition on/off.
@@ -80,6 +92,9 @@ private:
 
     void addRow(const QString& name, const QString& kind);
     void updateSampling();
+    // From now on no sample is taken: a gap in every trace that has a level.
+    void markNotSampled();
+    void takeOver(const std::shared_ptr<History>& before);
     void updateSamplingNote();
     void updateDirections();
     // Lamps, edge counts and the time window of every row.
@@ -94,6 +109,7 @@ private:
     QTimer* m_pSampleTimer = nullptr;
     QElapsedTimer m_clock;
     qint64 m_lastSampleMs = 0;
+    std::shared_ptr<History> m_history;
 };
 
 #endif

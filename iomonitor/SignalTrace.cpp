@@ -45,6 +45,12 @@ void SignalTrace::resetEdges()
     m_falling = 0;
 }
 
+void SignalTrace::shift(qint64 ms)
+{
+    for (Sample& sample : m_samples)
+        sample.ms += ms;
+}
+
 const QVector<SignalTrace::Sample>& SignalTrace::samples() const
 {
     return m_samples;

@@ -33,6 +33,8 @@ public:
     // gives the level at ms.
     void forgetBefore(qint64 ms);
     void resetEdges();
+    // Moves every sample by ms: another clock's times onto this one's.
+    void shift(qint64 ms);
 
     const QVector<Sample>& samples() const;
     // Level of the last sample; Unknown when there is none.

@@ -278,7 +278,7 @@ dv-patience~device~orvcpp/genicam/GenICamDevice.cpp~            if (m_timedOut >
 dv-answered~device~orvcpp/genicam/GenICamDevice.h~    {\n        m_timedOut = Duration::zero();\n    }~    {\n    }~an answer does not start the timeouts afresh
 dv-late-handler~device~orvcpp/genicam/GenICamDevice.cpp~    if (isLost())\n        reportLost();~~a lost handler set after the loss never hears of it
 dv-first-reason~device~orvcpp/genicam/GenICamDevice.cpp~        if (m_lost.load())\n            return; // the first reason stays~        if (false)\n            return;~a loss reported again, its reason overwritten
-dv-retake~device~orvcpp/genicam/GenICamDevice.cpp~                if (arv_gv_device_take_control(device, &error) && arv_gv_device_is_controller(device))\n                    return; // ours again: Aravis's heartbeat runs on~                return;~control lost to a silence is never taken back
+dv-retake~device~orvcpp/genicam/GenICamDevice.cpp~                if (device && arv_gv_device_take_control(device, &error) && arv_gv_device_is_controller(device))\n                    return; // ours again: Aravis's heartbeat runs on~                return;~control lost to a silence is never taken back
 fd-serial~finder~viewer/CameraFinder.cpp~else if (!serial.isEmpty() && !camera->serialNumber().isEmpty() && camera->serialNumber() != serial)~else if (false)~another camera at the same address is taken
 fd-retry~finder~viewer/CameraFinder.cpp~    emit missed(reason);\n    m_next.start();~    emit missed(reason);~the search ends after one failed attempt
 dev-xml-twice~device~orvcpp/genicam/GuardedFakeDevice.cpp~ARV_FAKE_CAMERA_MEMORY_SIZE + guint64(xmlSize)~ARV_FAKE_CAMERA_MEMORY_SIZE + 2 * guint64(xmlSize)~the fake device's memory ends the description's size too late: reads run past it
@@ -291,6 +291,15 @@ dev-read-register~device~orvcpp/genicam/GuardedFakeDevice.cpp~return allowed(dev
 dev-write-register~device~orvcpp/genicam/GuardedFakeDevice.cpp~return allowed(device, address, 4, error) && parentClass->write_register(~return parentClass->write_register(~a register write past the fake device's end let through
 dev-not-chained~device~orvcpp/genicam/GuardedFakeDevice.cpp~&& parentClass->read_memory(device, address, size, buffer, error)~&& buffer~a memory read the guard allows is not handed on to the fake camera
 dev-plain~device~orvcpp/genicam/GenICamCamera.cpp~GuardedFakeDevice::create(serialNumber~arv_fake_device_new(serialNumber~models open on Aravis's own, unguarded fake device
+v-disabled~viewer~viewer/ViewerWindow.cpp~    m_tabs->setEnabled(false);\n~~the pages stay enabled while the camera is lost
+v-result4~viewer~viewer/ViewerWindow.cpp~if (result == 4)~if (result == -4)~a plug-in that does not serve the camera (result 4) is named as a problem
+v-modal~viewer~viewer/ViewerWindow.cpp~QApplication::activeModalWidget() || ~~the pages are rebuilt under an open modal dialog
+v-popup~viewer~viewer/ViewerWindow.cpp~ || QApplication::activePopupWidget()~~the pages are rebuilt under an open popup
+v-current~viewer~viewer/ViewerWindow.cpp~m_tabs->setCurrentIndex(i);~m_tabs->setCurrentIndex(0);~the first page is current after a rebuild
+v-carry~viewer~viewer/ViewerWindow.cpp~buildPages(carried);~buildPages();~the rebuild hands no page's history on
+v-handover~viewer~iomonitor/IOMonitorWidget.cpp~        m_history->traces.push_back(std::move(row->trace));~        (void)row;~a deleted monitor page offers no traces
+v-settings~viewer~iomonitor/IOMonitorWidget.cpp~    ui->sb_Window->setValue(before->seconds);\n~~the monitor's time window is not taken over
+v-gap~viewer~iomonitor/IOMonitorWidget.cpp~        m_pSampleTimer->stop();\n        markNotSampled();~        m_pSampleTimer->stop();~time not sampled is drawn as the last level held
 LIST
 )
 
@@ -373,7 +382,7 @@ done <<<"$faults"
 cmake --build "$build" -j"$jobs" >/dev/null 2>&1
 echo
 printf '%-12s %6s %7s %7s\n' kind faults caught missed
-for kind in dispatch preset-step literal size alt-order restore row-limit other poller device finder equivalent; do
+for kind in dispatch preset-step literal size alt-order restore row-limit other poller device finder viewer equivalent; do
     [ -n "${k_all[$kind]:-}" ] || continue
     printf '%-12s %6d %7d %7d\n' "$kind" "${k_all[$kind]}" "${k_caught[$kind]:-0}" "${k_missed[$kind]:-0}"
 done

@@ -6,7 +6,7 @@
 #include "PluginHost.h"
 #include "TabExtensionInterface.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -25,6 +25,10 @@ namespace
 
 // How long the window waits between two attempts to find a lost camera again.
 const int SearchPauseMs = 2000;
+// How often a camera found while the pages are busy asks again whether they can be rebuilt.
+const int RetryPeriodMs = 100;
+// The dynamic property on which a page hands its history on to the page built after it.
+const char* const CarryOverProperty = "triggerioCarryOver";
 
 } // namespace
 
@@ -35,6 +39,7 @@ ViewerWindow::ViewerWindow(GenICamCamera* camera, QWidget* parent)
     , m_host(new PluginHost(this))
     , m_stream(new CameraStream(camera, this))
     , m_finder(new CameraFinder(this))
+    , m_retry(new QTimer(this))
     , m_tabs(new QTabWidget)
     , m_image(new QLabel)
     , m_counter(new QLabel)
@@ -70,6 +75,8 @@ ViewerWindow::ViewerWindow(GenICamCamera* camera, QWidget* parent)
     connect(m_finder, &CameraFinder::found, this, &ViewerWindow::onCameraFound);
     // The backend tells of a loss on its own threads: handed to the GUI thread.
     m_camera->setLostHandler([this] { QMetaObject::invokeMethod(this, &ViewerWindow::checkCamera, Qt::QueuedConnection); });
+    m_retry->setInterval(RetryPeriodMs);
+    connect(m_retry, &QTimer::timeout, this, &ViewerWindow::rebuildWhenSafe);
     setCameraStatus(tr("Camera %1 open").arg(camera->id()));
 }
 
@@ -103,12 +110,14 @@ int ViewerWindow::addTabs(const QString& pluginFolder)
     return added;
 }
 
-int ViewerWindow::buildPages()
+int ViewerWindow::buildPages(const QHash<TabExtensionInterface*, QVariant>& carried)
 {
     int added = 0;
     for (TabExtensionInterface* plugin : qAsConst(m_plugins))
     {
         QWidget* page = new QWidget;
+        if (carried.contains(plugin))
+            page->setProperty(CarryOverProperty, carried.value(plugin));
         const TabExtensionResult result = plugin->get(m_features, *page, nullptr);
         if (result == 4) // the plug-in does not serve this camera: no page, nothing to report
         {
@@ -129,6 +138,7 @@ int ViewerWindow::buildPages()
         const QString title =
             page->accessibleName().isEmpty() ? plugin->metaObject()->className() : page->accessibleName();
         m_tabs->addTab(page, title);
+        m_pagePlugins.insert(page, plugin);
         ++added;
     }
     return added;
@@ -142,6 +152,7 @@ void ViewerWindow::releasePages()
         m_tabs->removeTab(0);
         delete page;
     }
+    m_pagePlugins.clear();
 }
 
 QStringList ViewerWindow::problems() const
@@ -195,12 +206,49 @@ void ViewerWindow::checkCamera()
 
 void ViewerWindow::onCameraFound(std::shared_ptr<GenICamCamera> camera)
 {
+    m_found = std::move(camera); // one found before and still waiting is closed
+    rebuildWhenSafe();
+}
+
+void ViewerWindow::rebuildWhenSafe()
+{
+    if (!m_found)
+    {
+        m_retry->stop();
+        return;
+    }
+    // A page's modal dialog or popup runs an event loop of its own (exec(), or
+    // QFileDialog's and QMessageBox's static functions) inside code of the page.
+    if (QApplication::activeModalWidget() || QApplication::activePopupWidget())
+    {
+        if (!m_retry->isActive())
+        {
+            report(tr("Camera %1 answers again: the pages are built anew once the dialog or menu is closed")
+                       .arg(m_camera->id()));
+            m_retry->start();
+        }
+        return;
+    }
+    m_retry->stop();
+    const std::shared_ptr<GenICamCamera> camera = std::move(m_found);
+    m_found.reset();
+
+    // What each page hands on to the one its plug-in builds next, and the page the user is on.
+    const QString current = m_tabs->tabText(m_tabs->currentIndex());
+    QHash<TabExtensionInterface*, QVariant> carried;
+    for (int i = 0; i < m_tabs->count(); ++i)
+        carried.insert(m_pagePlugins.value(m_tabs->widget(i)), m_tabs->widget(i)->property(CarryOverProperty));
     // The old pages and feature handles go first: with them the lost device.
     releasePages();
     m_features.reset();
     m_camera->adopt(*camera);
     m_features = m_camera->features();
-    buildPages();
+    buildPages(carried);
+    for (int i = 0; i < m_tabs->count(); ++i)
+    {
+        if (m_tabs->tabText(i) == current)
+            m_tabs->setCurrentIndex(i);
+    }
     m_tabs->setEnabled(true);
     m_acquire->setEnabled(true);
     m_image->setText(tr("No image"));

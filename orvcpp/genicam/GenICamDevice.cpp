@@ -128,13 +128,14 @@ void GenICamDevice::controlLost()
                 if (!self)
                     return;
                 std::lock_guard<std::mutex> lock(self->m_lock);
-                if (self->isLost() || !ARV_IS_GV_DEVICE(self->m_device))
+                if (self->isLost() || !self->m_device)
                     return;
-                ArvGvDevice* device = ARV_GV_DEVICE(self->m_device);
-                if (arv_gv_device_is_controller(device) && std::chrono::steady_clock::now() < until)
+                ArvGvDevice* device = ARV_IS_GV_DEVICE(self->m_device) ? ARV_GV_DEVICE(self->m_device) : nullptr;
+                if (device && arv_gv_device_is_controller(device) && std::chrono::steady_clock::now() < until)
                     continue; // Aravis has not noted the loss yet
                 GError* error = nullptr;
-                if (arv_gv_device_take_control(device, &error) && arv_gv_device_is_controller(device))
+                // Only a GigE Vision camera can be asked for control again.
+                if (device && arv_gv_device_take_control(device, &error) && arv_gv_device_is_controller(device))
                     return; // ours again: Aravis's heartbeat runs on
                 self->markLost(std::string("the camera's heartbeat failed, control lost") +
                                (error && error->message ? std::string(": ") + error->message : std::string()));

@@ -3,16 +3,8 @@
 #include "GvcpLink.h"
 #include "ViewerWindow.h"
 
-#include <QCheckBox>
-#include <QComboBox>
-#include <QGroupBox>
-#include <QGridLayout>
-#include <QLabel>
-#include <QLibraryInfo>
-#include <QPushButton>
-#include <QStatusBar>
-#include <QTabWidget>
 #include <QtTest>
+#include <QtWidgets>
 
 #include <memory>
 
@@ -249,7 +241,6 @@ private slots:
         QGridLayout* grid = tab->findChild<QGridLayout*>("grid_Output");
         QCheckBox* value = nullptr;
         QCheckBox* status = nullptr;
-        QString driven; // the line's name
         auto findDriven = [&] { // again after each refresh: a reported "LineMode" rebuilds the rows
             value = status = nullptr;
             for (int row = 1; row < grid->rowCount() && !value; ++row)
@@ -258,7 +249,6 @@ private slots:
                 QComboBox* combo = source ? qobject_cast<QComboBox*>(source->widget()) : nullptr;
                 if (combo && combo->currentText().contains("UserOutput"))
                 {
-                    driven = qobject_cast<QLabel*>(grid->itemAtPosition(row, 0)->widget())->text().remove(": ");
                     value = qobject_cast<QCheckBox*>(grid->itemAtPosition(row, 5)->widget());
                     status = qobject_cast<QCheckBox*>(grid->itemAtPosition(row, 3)->widget());
                 }
@@ -273,37 +263,6 @@ private slots:
             value->click();
             QTRY_COMPARE_WITH_TIMEOUT(findDriven(), !before, 20000);
         }
-        // On the I/O Monitor, shown meanwhile (the tab, hidden, refreshes nothing), each
-        // flip is one edge of the line's trace, and the acquisition rows are high.
-        window.tabs()->setCurrentIndex(1);
-        QGridLayout* traces = window.tabs()->widget(1)->findChild<QGridLayout*>("grid_Lines");
-        auto traceCell = [traces](const QString& name, int column) {
-            for (int row = 0; row < traces->rowCount(); ++row)
-            {
-                QLayoutItem* item = traces->itemAtPosition(row, 0);
-                if (item && qobject_cast<QLabel*>(item->widget())->text() == name)
-                    return qobject_cast<QLabel*>(traces->itemAtPosition(row, column)->widget());
-            }
-            return static_cast<QLabel*>(nullptr);
-        };
-        window.tabs()->widget(1)->findChild<QCheckBox*>("cb_States")->setChecked(true);
-        for (const char* row : {"AcquisitionActive", "Acquiring"}) // the camera's state, the viewer's
-            QTRY_VERIFY_WITH_TIMEOUT(traceCell(row, 2)->styleSheet().contains("80, 220, 120"), 10000);
-        QLabel* edges = value ? traceCell(driven, 4) : nullptr;
-        auto counted = [edges] { // "↑2 ↓1" is 3 edges
-            int sum = 0;
-            for (const QString& number : edges->text().split(QRegularExpression("\\D+"), Qt::SkipEmptyParts))
-                sum += number.toInt();
-            return sum;
-        };
-        for (int flip = 0; edges && flip < 2; ++flip)
-        {
-            const int before = counted();
-            value->click();
-            QTRY_COMPARE_WITH_TIMEOUT(counted(), before + 1, 10000);
-        }
-        window.tabs()->setCurrentIndex(0);
-
         // One row per output line of the model, labelled with the line's name.
         auto rows = [grid]
         {

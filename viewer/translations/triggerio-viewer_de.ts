@@ -86,6 +86,10 @@
         <source>Camera %1 lost (%2)</source>
         <translation>Kamera %1 verloren (%2)</translation>
     </message>
+    <message>
+        <source>Camera %1 answers again: the pages are built anew once the dialog or menu is closed</source>
+        <translation>Kamera %1 antwortet wieder: die Seiten werden neu aufgebaut, sobald der Dialog oder das Menü geschlossen ist</translation>
+    </message>
 </context>
 <context>
     <name>main</name>

@@ -1,0 +1,109 @@
+// First: Aravis, which must come before Qt's keywords.
+#include <arv.h>
+
+#include "GenICamCamera.h"
+#include "ViewerWindow.h"
+
+#include <QtTest>
+#include <QtWidgets>
+
+namespace
+{
+
+std::shared_ptr<GenICamCamera> camera(const QString& model = TRIGGERIO_CAMERAS_DIR "/line-camera.xml")
+{
+    auto camera = std::make_shared<GenICamCamera>();
+    return camera->open("fake:" + model) == OrvErrorSuccess ? camera : nullptr;
+}
+
+} // namespace
+
+// The viewer's window in process, on the demo models run by Aravis's fake device.
+class tst_ViewerWindow : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    // A camera found again while the I/O Monitor's save dialog runs waits, open; once it is closed the pages
+    // are built anew, the same one current, the monitor's history and settings carried over. Found while a
+    // page's popup is open, it waits too; a window closed meanwhile closes it.
+    void reconnectWaitsForThePages()
+    {
+        const std::shared_ptr<GenICamCamera> lost = camera();
+        auto window = std::make_unique<ViewerWindow>(lost.get());
+        QCOMPARE(window->addTabs(TRIGGERIO_PLUGIN_DIR), 2);
+        window->show();
+        window->tabs()->setCurrentIndex(1);
+        QPointer<QWidget> page = window->tabs()->widget(1); // the I/O Monitor's
+        page->findChild<QSpinBox*>("sb_Window")->setValue(30);
+        // Row r's lamp (column 2) or edges (4); rows Line0-3, AcquisitionActive, FrameTriggerWait, Acquiring.
+        auto cell = [&](int r, int c)
+        { return static_cast<QLabel*>(page->findChild<QGridLayout*>("grid_Lines")->itemAtPosition(r, c)->widget()); };
+        // Line1 follows UserOutput0: one rising edge between two samples.
+        QMetaObject::invokeMethod(page->layout()->itemAt(0)->widget(), "sampleNow");
+        lost->withAravisDevice([](auto d) { arv_device_set_boolean_feature_value(d, "UserOutputValue", 1, nullptr); });
+        QMetaObject::invokeMethod(page->layout()->itemAt(0)->widget(), "sampleNow");
+
+        std::weak_ptr<GenICamCamera> found;
+        auto reconnect = [&] // true when the window waits
+        {
+            lost->withAravisDevice([](auto device) { g_signal_emit_by_name(device, "control-lost"); });
+            const bool dimmed = QTest::qWaitFor([&] { return window->isCameraLost(); }) && !window->tabs()->isEnabled();
+            const std::shared_ptr<GenICamCamera> next = camera();
+            found = next;
+            QMetaObject::invokeMethod(window.get(), "onCameraFound", Q_ARG(std::shared_ptr<GenICamCamera>, next));
+            QTest::qWait(300);
+            return dimmed && window->isCameraLost() && page &&
+                   window->statusBar()->currentMessage().contains("answers again");
+        };
+        QTemporaryDir dir;
+        auto save = [&](const QString& name, const std::function<bool()>& meanwhile) // through the page's dialog
+        {
+            bool waited = false;
+            QTimer::singleShot(0, [&] {
+                waited = meanwhile();
+                auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+                dialog->selectFile(dir.filePath(name));
+                QMetaObject::invokeMethod(dialog, "accept");
+            });
+            page->findChild<QPushButton*>("pb_Save")->click();
+            QFile file(dir.filePath(name));
+            return waited && file.open(QIODevice::ReadOnly) ? QString(file.readAll()) : QString();
+        };
+        QVERIFY(!save("old.vcd", reconnect).isEmpty()); // by the page the dialog belongs to
+        QTRY_VERIFY(!page && !window->isCameraLost() && window->tabs()->isEnabled() && found.expired());
+        QCOMPARE(window->tabs()->currentIndex(), 1);
+        page = window->tabs()->widget(1);
+        QCOMPARE(page->findChild<QSpinBox*>("sb_Window")->value(), 30);
+        // Line1's fall to the new camera's level counted across the outage, a gap in its trace (wire '"').
+        QTRY_COMPARE(cell(1, 4)->text(), QString::fromUtf8("↑1 ↓1"));
+        QVERIFY(save("new.vcd", [] { return true; }).contains(QRegularExpression("\n1\"\n[^\"]*x\"\n[^\"]*0\"\n")));
+        // The host's acquisition and the camera's state reach the monitor built anew.
+        page->findChild<QCheckBox*>("cb_States")->setChecked(true);
+        window->acquireButton()->click();
+        QMetaObject::invokeMethod(page->layout()->itemAt(0)->widget(), "sampleNow");
+        for (int row : {4, 6})
+            QVERIFY(cell(row, 2)->styleSheet().contains("80, 220, 120"));
+
+        (new QMenu(page))->popup({});
+        QVERIFY(reconnect() && !found.expired());
+        window.reset();
+        QVERIFY(found.expired());
+    }
+
+    // A plug-in that does not serve the camera (result 4) is skipped without a word.
+    void unservedCameraIsNoProblem()
+    {
+        QTemporaryFile model;
+        QVERIFY(model.open() && model.write("<RegisterDescription><Category Name='Root'><pFeature>SyncOutLevels"
+                                            "</pFeature></Category><Integer Name='SyncOutLevels'><Value>0</Value>"
+                                            "</Integer></RegisterDescription>") > 0 && model.flush());
+        const std::shared_ptr<GenICamCamera> levels = camera(model.fileName());
+        ViewerWindow window(levels.get());
+        QCOMPARE(window.addTabs(TRIGGERIO_PLUGIN_DIR), 1);
+        QCOMPARE(window.problems(), QStringList());
+    }
+};
+
+QTEST_MAIN(tst_ViewerWindow)
+#include "tst_ViewerWindow.moc"
