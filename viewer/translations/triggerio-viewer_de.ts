@@ -165,5 +165,9 @@
         <source>Start the acquisition MS milliseconds after the window opens.</source>
         <translation>Die Aufnahme MS Millisekunden nach dem Öffnen des Fensters starten.</translation>
     </message>
+    <message>
+        <source>not waiting for a lost camera&apos;s calls to time out</source>
+        <translation>warte nicht, bis die Aufrufe an eine verlorene Kamera ablaufen</translation>
+    </message>
 </context>
 </TS>
