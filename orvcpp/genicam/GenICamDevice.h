@@ -9,8 +9,11 @@
 #include <mutex>
 #include <set>
 #include <string>
+#include <unordered_map>
+#include <vector>
 
 typedef struct _ArvDevice ArvDevice;
+typedef struct _ArvDomNode ArvDomNode;
 typedef struct _ArvGc ArvGc;
 typedef struct _GError GError;
 
@@ -94,6 +97,10 @@ public:
     // Read from the description at the first call; expects lock() held.
     const std::set<std::string>& volatileNodes();
 
+    // The property children of a structure register, gathered at the first
+    // call, once for all its entries (its other children). Expects lock() held.
+    const std::vector<ArvDomNode*>& structureProperties(ArvDomNode* structure);
+
     // Maps an Aravis error to the camera API's code and frees it. A transport
     // failure is a timeout (OrvErrorTimeout) until the timeouts in a row,
     // timed by took, outlast patience(); then the device is lost. A null error
@@ -119,6 +126,7 @@ private:
     unsigned long m_controlLostHandler = 0;
     std::unique_ptr<FeaturePoller> m_poller;
     std::unique_ptr<std::set<std::string>> m_volatileNodes;
+    std::unordered_map<ArvDomNode*, std::vector<ArvDomNode*>> m_structureProperties;
 };
 
 #endif
