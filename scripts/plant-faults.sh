@@ -19,6 +19,9 @@
 # selector walk's restore, dropped or moved (restore), each condition that
 # limits a write to the rows it concerns (row-limit), each bound of the fake
 # device's memory and each access it guards (device), and some more (other).
+# limits a write to the rows it concerns (row-limit), the GenICam reference
+# graph's limits and the enumeration lookup (graph), the I/O Monitor's bits,
+# sources, gaps, edges, trigger words and dump (monitor), and some more (other).
 # A step that nothing can tell from its absence (it repeats what the steps
 # before it left in place) is planted as "equivalent": caught would mean the
 # reasoning in its description is wrong.
@@ -300,6 +303,39 @@ v-carry~viewer~viewer/ViewerWindow.cpp~buildPages(carried);~buildPages();~the re
 v-handover~viewer~iomonitor/IOMonitorWidget.cpp~        m_history->traces.push_back(std::move(row->trace));~        (void)row;~a deleted monitor page offers no traces
 v-settings~viewer~iomonitor/IOMonitorWidget.cpp~    ui->sb_Window->setValue(before->seconds);\n~~the monitor's time window is not taken over
 v-gap~viewer~iomonitor/IOMonitorWidget.cpp~        m_pSampleTimer->stop();\n        markNotSampled();~        m_pSampleTimer->stop();~time not sampled is drawn as the last level held
+g-chain-limit~graph~orvcpp/genicam/GenICamReferenceGraph.cpp~deep ? depth[state] <= MaxChainLength~deep ? depth[state] < MaxChainLength~a chain exactly at the length limit is refused
+g-eval-limit~graph~orvcpp/genicam/GenICamReferenceGraph.h~MaxEvaluations = 50000;~MaxEvaluations = 500000;~the evaluation limit ten times higher
+g-eval-sum~graph~orvcpp/genicam/GenICamReferenceGraph.cpp~evaluations = std::min(evaluations + times * cost[target], 1e300);~evaluations = std::max(evaluations, 1 + times * cost[target]);~a node shared by several references counted once (as if Aravis cached values)
+g-register-twice~graph~orvcpp/genicam/GenICamReferenceGraph.cpp~const int times = m_register[node] ? 2 : 1;~const int times = 1;~a register's address and length counted once a read
+g-follow-available~graph~orvcpp/genicam/GenICamReferenceGraph.cpp~    case ARV_GC_PROPERTY_NODE_TYPE_P_IS_IMPLEMENTED:\n    case ARV_GC_PROPERTY_NODE_TYPE_P_IS_AVAILABLE:~    case ARV_GC_PROPERTY_NODE_TYPE_P_IS_IMPLEMENTED:~pIsAvailable not followed for loops
+g-follow-address~graph~orvcpp/genicam/GenICamReferenceGraph.cpp~    case ARV_GC_PROPERTY_NODE_TYPE_P_VARIABLE:\n    case ARV_GC_PROPERTY_NODE_TYPE_P_ADDRESS:~    case ARV_GC_PROPERTY_NODE_TYPE_P_VARIABLE:~pAddress not followed for loops
+g-follow-selected~graph~orvcpp/genicam/GenICamReferenceGraph.cpp~    case ARV_GC_PROPERTY_NODE_TYPE_P_IS_LOCKED:~    case ARV_GC_PROPERTY_NODE_TYPE_P_IS_LOCKED:\n    case ARV_GC_PROPERTY_NODE_TYPE_P_SELECTED:~pSelected followed for loops (every selector is a loop)
+g-loop-order~graph~orvcpp/genicam/GenICamReferenceGraph.cpp~for (size_t start = 0; start < m_names.size(); ++start)~for (size_t start = m_names.size(); start-- > 0;)~the loop reported is the last in document order
+g-overload-order~graph~orvcpp/genicam/GenICamReferenceGraph.cpp@The first node in document order~for (size_t state = 0; state < count; ++state)~for (size_t state = count; state-- > 0;)~the overload reported is the last node in document order
+g-entry-own~graph~orvcpp/genicam/GenICamFeature.cpp~    const auto found = m_entries.find(value);\n    if (found == m_entries.end())\n        return OrvErrorInvalidValue;\n    entry = found->second;~    ArvGcNode* named = arv_gc_get_node(m_device->genicam(), value);\n    if (!ARV_IS_GC_ENUM_ENTRY(named))\n        return OrvErrorInvalidValue;\n    entry = ARV_GC_FEATURE_NODE(named);~an entry looked up among all the description's names, not only its enumeration's
+g-entry-first~graph~orvcpp/genicam/GenICamFeature.cpp~m_entries.emplace(name, node);~m_entries.insert_or_assign(name, node);~of two equally named entries the last in Aravis's list counts, not the one Aravis writes
+g-entry-index~graph~orvcpp/genicam/GenICamFeature.cpp~        m_entriesKnown = true;\n~~the entry index is built anew at every lookup (a walk per entry asked for)
+g-values-order~graph~orvcpp/genicam/GenICamFeature.cpp~            std::reverse(names.begin(), names.end());\n~~entries listed in Aravis's (reversed) order
+m-bit-number~monitor~iomonitor/LineSampler.cpp~        bits << bit;~        bits << int(bits.size());~LineStatusAll read at the line's position in the selector, not at the number its name ends in
+m-source-order~monitor~iomonitor/LineSampler.cpp~m_source = m_statusAll ? StatusAll : m_status ? StatusWalk : NoLevels;~m_source = m_status ? StatusWalk : m_statusAll ? StatusAll : NoLevels;~the LineSelector walk preferred to the one read of LineStatusAll
+m-mask-bit~monitor~iomonitor/LineSampler.cpp~m_statusAll ? bits.at(i) : i, false~bits.at(i), false~a sync output's level mask bit taken from the number its name ends in, not its position
+m-all-gap~monitor~iomonitor/LineSampler.cpp~    if (!readInteger(m_statusAll, &all))\n        return levels;~    readInteger(m_statusAll, &all);~a failed LineStatusAll read gives low levels, not a gap
+m-walk-gap~monitor~iomonitor/LineSampler.cpp~        if (m_status->GetValue(high) == OrvErrorSuccess)\n            levels[i] = high ? 1 : 0;~        m_status->GetValue(high);\n        levels[i] = high ? 1 : 0;~a failed LineStatus read gives a low level, not a gap
+m-mask-gap~monitor~iomonitor/LineSampler.cpp~if (line.inputMask ? inputsRead : outputsRead)~if (line.inputMask ? m_inLevels : m_outLevels)~a level mask that exists counts as read, also when its read failed
+m-edge-gap~monitor~iomonitor/SignalTrace.cpp~    if (level == Unknown)\n        return;~    if (level == Unknown)\n    {\n        m_lastKnown = Unknown;\n        return;\n    }~no edge counted across a gap
+m-unknown-level~monitor~iomonitor/SignalTrace.cpp~    if (level == Unknown)\n        return;\n~~an Unknown sample taken as a level when edges are counted
+m-edge-direction~monitor~iomonitor/SignalTrace.cpp~++(level ? m_rising : m_falling);~++(level ? m_falling : m_rising);~rising and falling edges counted the wrong way round
+m-trig-none~monitor~iomonitor/TriggerMonitor.cpp~GetIsFeatureAvailable("TriggerMode")~GetIsFeatureAvailable("TriggerSelector")~a camera without a trigger selector told as one without a trigger
+m-trig-free~monitor~iomonitor/TriggerMonitor.cpp~        if (selector.isEmpty() || selector == "FrameStart")~        if (selector.isEmpty())~the frame start trigger off told as a trigger off, not free running
+m-trig-software~monitor~iomonitor/TriggerMonitor.cpp~    if (source == "Software")~    if (source == "SoftwareTrigger")~a software trigger source not recognised
+m-trig-rising~monitor~iomonitor/TriggerMonitor.cpp~    if (activation == "RisingEdge")~    if (activation == "Rising")~a rising edge activation not recognised
+m-trig-fallin~monitor~iomonitor/TriggerMonitor.cpp~activation == "FallingEdge" || activation == "FallinEdge"~activation == "FallingEdge"~the misspelt "FallinEdge" not told as a falling edge
+m-vcd-x~monitor~iomonitor/VcdWriter.cpp~SignalTrace::Unknown ? 'x' : level~SignalTrace::Unknown ? 'z' : level~an unknown level written as z (high impedance), not x
+m-vcd-timescale~monitor~iomonitor/VcdWriter.cpp~$timescale 1ms~$timescale 1us~millisecond time stamps declared as microseconds
+m-vcd-origin~monitor~iomonitor/VcdWriter.cpp~QByteArray::number(it.key() - fromMs)~QByteArray::number(it.key())~sample times written on the monitor's clock, not from the start of the dump
+m-vcd-stamp~monitor~iomonitor/VcdWriter.cpp~        out += '#' + QByteArray::number(it.key() - fromMs)~        if (std::all_of(it.value().cbegin(), it.value().cend(),\n                        [&](const QPair<int, int>& c) { return last.at(c.first) == c.second; }))\n            continue;\n        out += '#' + QByteArray::number(it.key() - fromMs)~a sample that changes no level gets no time stamp
+m-walk-restore~monitor~iomonitor/SelectorWalk.cpp~    if (current != savedEntry && selector->SetValue(saved.c_str()) != OrvErrorSuccess &&~    if (current != savedEntry && selector->SetValue(current.toStdString().c_str()) != OrvErrorSuccess &&~the walk "restores" the selector to the last entry it read
+m-walk-first~monitor~iomonitor/SelectorWalk.cpp~    const int first = entries.indexOf(savedEntry);~    const int first = -1;~the entry the selector stands on is written and read in turn like the others
 LIST
 )
 
@@ -382,7 +418,7 @@ done <<<"$faults"
 cmake --build "$build" -j"$jobs" >/dev/null 2>&1
 echo
 printf '%-12s %6s %7s %7s\n' kind faults caught missed
-for kind in dispatch preset-step literal size alt-order restore row-limit other poller device finder viewer equivalent; do
+for kind in dispatch preset-step literal size alt-order restore row-limit other poller device finder viewer graph monitor equivalent; do
     [ -n "${k_all[$kind]:-}" ] || continue
     printf '%-12s %6d %7d %7d\n' "$kind" "${k_all[$kind]}" "${k_caught[$kind]:-0}" "${k_missed[$kind]:-0}"
 done

@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <mutex>
 #include <set>
+#include <tuple>
 
 namespace
 {
@@ -55,6 +56,25 @@ QString messageOf(GError* error)
     return error && error->message ? QString::fromUtf8(error->message) : QString();
 }
 
+// The next feature a category lists after child (from its first child when
+// null), or null. Aravis's own list of a category's features is built anew
+// at every call by appending each name to the end of a list: a walk per
+// feature.
+ArvDomNode* nextListed(ArvDomNode* category, ArvDomNode* child, ArvGcNode*& feature)
+{
+    for (child = child ? arv_dom_node_get_next_sibling(child) : arv_dom_node_get_first_child(category); child;
+         child = arv_dom_node_get_next_sibling(child))
+    {
+        if (!ARV_IS_GC_PROPERTY_NODE(child) ||
+            arv_gc_property_node_get_node_type(ARV_GC_PROPERTY_NODE(child)) != ARV_GC_PROPERTY_NODE_TYPE_P_FEATURE)
+            continue;
+        feature = arv_gc_property_node_get_linked_node(ARV_GC_PROPERTY_NODE(child));
+        if (ARV_IS_GC_FEATURE_NODE(feature) && arv_gc_feature_node_get_name(ARV_GC_FEATURE_NODE(feature)))
+            return child;
+    }
+    return nullptr;
+}
+
 // The feature nodes below the root category, depth first as the XML lists
 // them, without recursion. A category listed twice is walked once, a category
 // loop ends there. Returns the categories nested deeper than the reference
@@ -63,33 +83,33 @@ QStringList collectFeatures(const std::shared_ptr<GenICamDevice>& device,
                             QVector<OrvCPP::shared_ptr<OrvCPP::Feature>>& out)
 {
     std::set<std::string> seen, visitedCategories{"Root"};
-    ArvGcNode* root = arv_gc_get_node(device->genicam(), "Root");
-    std::vector<std::pair<std::string, const GSList*>> path{
-        {"Root", arv_gc_category_get_features(ARV_GC_CATEGORY(root))}};
+    ArvDomNode* root = ARV_DOM_NODE(arv_gc_get_node(device->genicam(), "Root"));
+    std::vector<std::tuple<std::string, ArvDomNode*, ArvDomNode*>> path{
+        {"Root", root, nullptr}}; // name, category, child
     while (!path.empty())
     {
-        const GSList*& item = path.back().second;
-        if (!item)
+        auto& [category, node, child] = path.back();
+        ArvGcNode* feature = nullptr;
+        child = nextListed(node, child, feature);
+        if (!child)
         {
             path.pop_back();
             continue;
         }
-        const char* name = static_cast<const char*>(item->data);
-        item = item->next;
-        ArvGcNode* node = name ? arv_gc_get_node(device->genicam(), name) : nullptr;
-        if (ARV_IS_GC_CATEGORY(node) && visitedCategories.insert(name).second)
+        const std::string name = arv_gc_feature_node_get_name(ARV_GC_FEATURE_NODE(feature));
+        if (ARV_IS_GC_CATEGORY(feature) && visitedCategories.insert(name).second)
         {
-            path.emplace_back(name, arv_gc_category_get_features(ARV_GC_CATEGORY(node)));
+            path.emplace_back(name, ARV_DOM_NODE(feature), nullptr);
             if (path.size() > size_t(GenICamReferenceGraph::MaxChainLength) + 1)
             {
                 QStringList names;
-                for (const auto& category : path)
-                    names << QString::fromStdString(category.first);
+                for (const auto& nested : path)
+                    names << QString::fromStdString(std::get<0>(nested));
                 return names;
             }
         }
-        else if (ARV_IS_GC_FEATURE_NODE(node) && !ARV_IS_GC_CATEGORY(node) && seen.insert(name).second)
-            out.append(std::make_shared<GenICamFeature>(device, ARV_GC_FEATURE_NODE(node), path.back().first));
+        else if (!ARV_IS_GC_CATEGORY(feature) && seen.insert(name).second)
+            out.append(std::make_shared<GenICamFeature>(device, ARV_GC_FEATURE_NODE(feature), category));
     }
     return {};
 }

@@ -294,3 +294,16 @@ const std::set<std::string>& GenICamDevice::volatileNodes()
     }
     return *m_volatileNodes;
 }
+
+const std::vector<ArvDomNode*>& GenICamDevice::structureProperties(ArvDomNode* structure)
+{
+    const auto known = m_structureProperties.find(structure);
+    if (known != m_structureProperties.end())
+        return known->second;
+    std::vector<ArvDomNode*>& properties = m_structureProperties[structure];
+    for (ArvDomNode* child = arv_dom_node_get_first_child(structure); child;
+         child = arv_dom_node_get_next_sibling(child))
+        if (ARV_IS_GC_PROPERTY_NODE(child))
+            properties.push_back(child);
+    return properties;
+}

@@ -10,8 +10,11 @@
 #include <mutex>
 #include <set>
 #include <string>
+#include <unordered_map>
+#include <vector>
 
 typedef struct _ArvDevice ArvDevice;
+typedef struct _ArvDomNode ArvDomNode;
 typedef struct _ArvGc ArvGc;
 typedef struct _GError GError;
 
@@ -105,6 +108,10 @@ public:
     // Read from the description at the first call; expects lock() held.
     const std::set<std::string>& volatileNodes();
 
+    // The property children of a structure register, gathered at the first
+    // call, once for all its entries (its other children). Expects lock() held.
+    const std::vector<ArvDomNode*>& structureProperties(ArvDomNode* structure);
+
     // Maps an Aravis error to the camera API's code and frees it. A transport
     // failure is a timeout (OrvErrorTimeout) until the timeouts in a row,
     // timed by took, outlast patience(); then the device is lost. A null error
@@ -134,6 +141,7 @@ private:
     std::function<void()> m_lostHandler;
     std::unique_ptr<FeaturePoller> m_poller;
     std::unique_ptr<std::set<std::string>> m_volatileNodes;
+    std::unordered_map<ArvDomNode*, std::vector<ArvDomNode*>> m_structureProperties;
 };
 
 #endif

@@ -240,17 +240,27 @@ OrvErrorType GenICamFeature::IsWritable(bool& writable)
 
 OrvErrorType GenICamFeature::findEntry(const char* value, ArvGcFeatureNode*& entry)
 {
-    for (const GSList* item = arv_gc_enumeration_get_entries(ARV_GC_ENUMERATION(m_node)); item; item = item->next)
+    // The enumeration's own entries by name, gathered at the first lookup (the
+    // entries never change): one walk, not one per name asked for. Of two
+    // equally named entries the first in Aravis's list counts, the one
+    // Aravis itself writes. Entry names are not unique across enumerations
+    // (Line0 of LineSelector and of TriggerSource): the document's index of
+    // names is no help here.
+    if (!m_entriesKnown)
     {
-        auto* node = static_cast<ArvGcFeatureNode*>(item->data);
-        const char* name = arv_gc_feature_node_get_name(node);
-        if (name && g_strcmp0(name, value) == 0)
+        for (const GSList* item = arv_gc_enumeration_get_entries(ARV_GC_ENUMERATION(m_node)); item; item = item->next)
         {
-            entry = node;
-            return OrvErrorSuccess;
+            auto* node = static_cast<ArvGcFeatureNode*>(item->data);
+            if (const char* name = arv_gc_feature_node_get_name(node))
+                m_entries.emplace(name, node);
         }
+        m_entriesKnown = true;
     }
-    return OrvErrorInvalidValue;
+    const auto found = m_entries.find(value);
+    if (found == m_entries.end())
+        return OrvErrorInvalidValue;
+    entry = found->second;
+    return OrvErrorSuccess;
 }
 
 OrvErrorType GenICamFeature::IsValueAvailable(const char* value, bool& available)
@@ -283,8 +293,9 @@ OrvErrorType GenICamFeature::GetValues(std::vector<std::string>& values)
                  item = item->next)
             {
                 const char* name = arv_gc_feature_node_get_name(static_cast<ArvGcFeatureNode*>(item->data));
-                names.insert(names.begin(), name ? name : "");
+                names.emplace_back(name ? name : "");
             }
+            std::reverse(names.begin(), names.end());
             values.swap(names);
             return OrvErrorSuccess;
         });
@@ -678,18 +689,15 @@ OrvErrorType GenICamFeature::UnregisterObserver(const OrvCPP::shared_ptr<OrvCPP:
 void GenICamFeature::findDependencies()
 {
     // Everything the value, the access and the entries hang on: property
-    // nodes link to other nodes, enumeration entries are children. The DOM is
+    // nodes link to other nodes, enumeration entries are children, and a
+    // structure entry's bits live in its structure's register. The DOM is
     // only read; no register is touched.
     const std::set<std::string>& volatileNodes = m_device->volatileNodes();
     std::set<ArvDomNode*> visited;
     std::vector<ArvDomNode*> pending{ARV_DOM_NODE(m_node)};
     m_volatile = false;
-    while (!pending.empty())
+    auto note = [&](ArvDomNode* node)
     {
-        ArvDomNode* node = pending.back();
-        pending.pop_back();
-        if (!node || ARV_IS_GC_PORT(node) || !visited.insert(node).second)
-            continue;
         if (ARV_IS_GC_FEATURE_NODE(node))
         {
             const char* name = arv_gc_feature_node_get_name(ARV_GC_FEATURE_NODE(node));
@@ -698,27 +706,46 @@ void GenICamFeature::findDependencies()
         }
         if (ARV_IS_GC_REGISTER_NODE(node))
             m_registers.push_back(node);
-        if (ARV_IS_GC_STRUCT_ENTRY_NODE(node))
-            pending.push_back(arv_dom_node_get_parent_node(node)); // its bits live in the parent register
+    };
+    auto follow = [&](ArvDomNode* child)
+    {
+        // The other entries of a structure are features of their own.
+        if (!ARV_IS_GC_PROPERTY_NODE(child))
+        {
+            if (!ARV_IS_GC_STRUCT_ENTRY_NODE(child))
+                pending.push_back(child);
+            return;
+        }
+        auto* property = ARV_GC_PROPERTY_NODE(child);
+        const ArvGcPropertyNodeType type = arv_gc_property_node_get_node_type(property);
+        if (type <= ARV_GC_PROPERTY_NODE_TYPE_P_UNKNONW)
+            return;
+        ArvGcNode* linked = arv_gc_property_node_get_linked_node(property);
+        if ((type == ARV_GC_PROPERTY_NODE_TYPE_P_INDEX || type == ARV_GC_PROPERTY_NODE_TYPE_P_ADDRESS) &&
+            ARV_IS_GC_INTEGER(linked) &&
+            std::find(m_selectorNodes.begin(), m_selectorNodes.end(), linked) == m_selectorNodes.end())
+            m_selectorNodes.push_back(linked);
+        pending.push_back(ARV_DOM_NODE(linked));
+    };
+    while (!pending.empty())
+    {
+        ArvDomNode* node = pending.back();
+        pending.pop_back();
+        if (!node || ARV_IS_GC_PORT(node) || !visited.insert(node).second)
+            continue;
+        note(node);
+        // The structure's properties are gathered once for all its entries,
+        // not looked for among them by each entry.
+        ArvDomNode* structure = ARV_IS_GC_STRUCT_ENTRY_NODE(node) ? arv_dom_node_get_parent_node(node) : nullptr;
+        if (structure && visited.insert(structure).second)
+        {
+            note(structure);
+            for (ArvDomNode* child : m_device->structureProperties(structure))
+                follow(child);
+        }
         for (ArvDomNode* child = arv_dom_node_get_first_child(node); child;
              child = arv_dom_node_get_next_sibling(child))
-        {
-            if (!ARV_IS_GC_PROPERTY_NODE(child))
-            {
-                pending.push_back(child);
-                continue;
-            }
-            auto* property = ARV_GC_PROPERTY_NODE(child);
-            const ArvGcPropertyNodeType type = arv_gc_property_node_get_node_type(property);
-            if (type <= ARV_GC_PROPERTY_NODE_TYPE_P_UNKNONW)
-                continue;
-            ArvGcNode* linked = arv_gc_property_node_get_linked_node(property);
-            if ((type == ARV_GC_PROPERTY_NODE_TYPE_P_INDEX || type == ARV_GC_PROPERTY_NODE_TYPE_P_ADDRESS) &&
-                ARV_IS_GC_INTEGER(linked) &&
-                std::find(m_selectorNodes.begin(), m_selectorNodes.end(), linked) == m_selectorNodes.end())
-                m_selectorNodes.push_back(linked);
-            pending.push_back(ARV_DOM_NODE(linked));
-        }
+            follow(child);
     }
     std::sort(m_registers.begin(), m_registers.end());
     m_dependenciesKnown = true;

@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 class GenICamDevice;
@@ -121,6 +122,10 @@ private:
     bool m_volatile = true;
     std::vector<ArvGcNode*> m_selectorNodes;
     std::vector<const void*> m_registers;
+    // An enumeration's entries by name, found at the first lookup, with the
+    // device lock held.
+    bool m_entriesKnown = false;
+    std::unordered_map<std::string, ArvGcFeatureNode*> m_entries;
 };
 
 #endif

@@ -98,31 +98,50 @@ GenICamReferenceGraph::GenICamReferenceGraph(ArvGc* genicam)
         const auto found = indexOf.find(ARV_DOM_NODE(node));
         return node && found != indexOf.end() ? found->second : -1;
     };
+    auto addProperties = [&](size_t i, ArvDomNode* owner)
+    {
+        for (ArvDomNode* child = arv_dom_node_get_first_child(owner); child;
+             child = arv_dom_node_get_next_sibling(child))
+        {
+            if (!ARV_IS_GC_PROPERTY_NODE(child))
+                continue;
+            const ArvGcPropertyNodeType type = arv_gc_property_node_get_node_type(ARV_GC_PROPERTY_NODE(child));
+            const int to = indexOfNode(arv_gc_property_node_get_linked_node(ARV_GC_PROPERTY_NODE(child)));
+            if (to < 0)
+                continue;
+            if (isFollowed(type))
+                m_references[i].push_back(to);
+            if (type == ARV_GC_PROPERTY_NODE_TYPE_P_MINIMUM || type == ARV_GC_PROPERTY_NODE_TYPE_P_MAXIMUM ||
+                type == ARV_GC_PROPERTY_NODE_TYPE_P_INCREMENT)
+                m_limits[i].push_back(to);
+            if (type == ARV_GC_PROPERTY_NODE_TYPE_P_VALUE)
+                m_rangeOf[i] = to;
+        }
+    };
     for (size_t i = 0; i < nodes.size(); ++i)
     {
-        // A structure entry is read through the address of its structure.
         const bool entry = ARV_IS_GC_STRUCT_ENTRY_NODE(nodes[i]);
         m_register[i] = entry || ARV_IS_GC_REGISTER_NODE(nodes[i]);
-        for (ArvDomNode* owner : {nodes[i], entry ? arv_dom_node_get_parent_node(nodes[i]) : nullptr})
+        addProperties(i, nodes[i]);
+        if (!entry)
+            continue;
+        // A structure entry is read through the address of its structure: it
+        // takes the structure's references after its own. The structure comes
+        // first in document order, its references are known: copied, not
+        // gathered again among all the structure's entries for each entry.
+        ArvDomNode* structure = arv_dom_node_get_parent_node(nodes[i]);
+        const auto found = indexOf.find(structure);
+        if (found == indexOf.end())
         {
-            for (ArvDomNode* child = owner ? arv_dom_node_get_first_child(owner) : nullptr; child;
-                 child = arv_dom_node_get_next_sibling(child))
-            {
-                if (!ARV_IS_GC_PROPERTY_NODE(child))
-                    continue;
-                const ArvGcPropertyNodeType type = arv_gc_property_node_get_node_type(ARV_GC_PROPERTY_NODE(child));
-                const int to = indexOfNode(arv_gc_property_node_get_linked_node(ARV_GC_PROPERTY_NODE(child)));
-                if (to < 0)
-                    continue;
-                if (isFollowed(type))
-                    m_references[i].push_back(to);
-                if (type == ARV_GC_PROPERTY_NODE_TYPE_P_MINIMUM || type == ARV_GC_PROPERTY_NODE_TYPE_P_MAXIMUM ||
-                    type == ARV_GC_PROPERTY_NODE_TYPE_P_INCREMENT)
-                    m_limits[i].push_back(to);
-                if (type == ARV_GC_PROPERTY_NODE_TYPE_P_VALUE)
-                    m_rangeOf[i] = to;
-            }
+            if (structure)
+                addProperties(i, structure);
+            continue;
         }
+        const size_t s = size_t(found->second);
+        m_references[i].insert(m_references[i].end(), m_references[s].begin(), m_references[s].end());
+        m_limits[i].insert(m_limits[i].end(), m_limits[s].begin(), m_limits[s].end());
+        if (m_rangeOf[s] >= 0)
+            m_rangeOf[i] = m_rangeOf[s];
     }
 }
 
@@ -184,53 +203,60 @@ GenICamReferenceGraph::Overload GenICamReferenceGraph::findOverload() const
     // below it and how many evaluations it costs Aravis, which caches nothing
     // and evaluates a register's address and a converter's range twice.
     const size_t count = 2 * m_names.size();
-    auto edges = [&](size_t state)
+    // Every state's edges, built once: state s's are edges[first[s]] up to
+    // edges[first[s + 1]], references first, then limits, then the range of
+    // its pValue (the order decides which chain is reported).
+    std::vector<size_t> first{0};
+    std::vector<std::pair<size_t, int>> edges; // state, evaluations per read
+    first.reserve(count + 1);
+    for (size_t state = 0; state < count; ++state)
     {
         const size_t node = state / 2;
         const int times = m_register[node] ? 2 : 1;
-        std::vector<std::pair<size_t, int>> to; // state, evaluations per read
         for (int target : m_references[node])
-            to.emplace_back(2 * size_t(target), times);
+            edges.emplace_back(2 * size_t(target), times);
         if (state % 2)
         {
             for (int target : m_limits[node])
-                to.emplace_back(2 * size_t(target), 1);
+                edges.emplace_back(2 * size_t(target), 1);
             if (m_rangeOf[node] >= 0)
-                to.emplace_back(2 * size_t(m_rangeOf[node]) + 1, 2);
+                edges.emplace_back(2 * size_t(m_rangeOf[node]) + 1, 2);
         }
-        return to;
-    };
+        first.push_back(edges.size());
+    }
     std::vector<int> depth(count, -1); // -1: not reached yet, -2: on the path
     std::vector<double> cost(count, 0);
-    std::vector<std::pair<size_t, size_t>> path; // state, next edge
+    std::vector<std::pair<size_t, size_t>> path; // state, its next edge
     for (size_t start = 0; start < count; ++start)
     {
         if (depth[start] != -1)
             continue;
-        path.emplace_back(start, 0);
+        path.emplace_back(start, first[start]);
         depth[start] = -2;
         while (!path.empty())
         {
             const size_t state = path.back().first;
-            const auto to = edges(state);
-            if (path.back().second < to.size())
+            if (path.back().second < first[state + 1])
             {
-                const size_t target = to[path.back().second++].first;
+                const size_t target = edges[path.back().second++].first;
                 if (depth[target] == -1)
                 {
                     depth[target] = -2;
-                    path.emplace_back(target, 0);
+                    path.emplace_back(target, first[target]);
                 }
                 continue;
             }
             int longest = 0;
             double evaluations = 1;
-            for (const auto& [target, times] : to)
+            for (size_t edge = first[state]; edge < first[state + 1]; ++edge)
+            {
+                const auto [target, times] = edges[edge];
                 if (depth[target] >= 0) // a loop, if any, is findLoop's to report
                 {
                     longest = std::max(longest, depth[target] + 1);
                     evaluations = std::min(evaluations + times * cost[target], 1e300);
                 }
+            }
             depth[state] = longest;
             cost[state] = evaluations;
             path.pop_back();
@@ -251,7 +277,9 @@ GenICamReferenceGraph::Overload GenICamReferenceGraph::findOverload() const
                 overload.path << m_names[at / 2];
                 next = count;
                 double heaviest = 0;
-                for (const auto& [target, times] : edges(at))
+                for (size_t edge = first[at]; edge < first[at + 1]; ++edge)
+                {
+                    const auto [target, times] = edges[edge];
                     if (deep ? depth[target] == depth[at] - 1 : times * cost[target] > heaviest)
                     {
                         next = target;
@@ -259,6 +287,7 @@ GenICamReferenceGraph::Overload GenICamReferenceGraph::findOverload() const
                         if (deep)
                             break;
                     }
+                }
             }
             return overload;
         }

@@ -6,6 +6,7 @@
 #include "GenICamCamera.h"
 #include "GenICamReferenceGraph.h"
 
+#include <QDeadlineTimer>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -133,8 +134,9 @@ private:
     const int m_count;
 };
 
-// Opens the file and reads every feature once; whether it opened.
-bool openAndReadAll(const QByteArray& xml)
+// Opens the file and reads every feature once: the reason it was refused, or
+// "read N", N the values read and the enumeration entries available.
+QString openAndReadAll(const QByteArray& xml)
 {
     QTemporaryDir dir;
     QFile file(dir.filePath("camera.xml"));
@@ -142,7 +144,8 @@ bool openAndReadAll(const QByteArray& xml)
         qFatal("cannot write %s", qPrintable(file.fileName()));
     GenICamCamera camera;
     if (camera.open(GenICamCamera::FakePrefix + file.fileName()) != OrvErrorSuccess)
-        return false;
+        return camera.errorString();
+    int read = 0;
     for (const auto& feature : *camera.features())
     {
         std::string text;
@@ -150,12 +153,12 @@ bool openAndReadAll(const QByteArray& xml)
         long long lo = 0, hi = 0;
         double low = 0, high = 0;
         std::vector<std::string> entries;
-        feature->GetValue(text), feature->IsWritable(flag), feature->GetValues(entries);
+        read += feature->GetValue(text) == OrvErrorSuccess, feature->IsWritable(flag), feature->GetValues(entries);
         feature->GetRange(lo, hi), feature->GetIncrement(lo), feature->GetRange(low, high), feature->GetIncrement(low);
         for (const std::string& entry : entries)
-            feature->IsValueAvailable(entry.c_str(), flag);
+            read += feature->IsValueAvailable(entry.c_str(), flag) == OrvErrorSuccess && flag;
     }
-    return true;
+    return QString("read %1").arg(read);
 }
 
 } // namespace
@@ -165,19 +168,57 @@ class tst_RandomDescriptions : public QObject
     Q_OBJECT
 
 private slots:
-    // A chain of formulas at the depth limit opens and reads; one more is refused.
-    void chainAtTheLimit()
+    // A chain of formulas at the depth limit opens and reads, one more is
+    // refused; wide nodes are checked, opened and read in a time linear in
+    // their size (a walk per variable, entry or feature took 20 s to hours).
+    void limits_data()
     {
-        for (int hops : {GenICamReferenceGraph::MaxChainLength, GenICamReferenceGraph::MaxChainLength + 1})
+        QTest::addColumn<QByteArray>("nodes");
+        QTest::addColumn<QString>("outcome"); // the start of what openAndReadAll says
+        const int most = GenICamReferenceGraph::MaxChainLength;
+        QByteArray chain, variables, formula = "0", entries, structure, listed;
+        for (int i = 0; i < 100000; ++i)
         {
-            QByteArray xml = "<RegisterDescription><Category Name=\"Root\"><pFeature>N0</pFeature></Category>";
-            for (int i = 0; i < hops; ++i)
-                xml += "<IntSwissKnife Name=\"N" + QByteArray::number(i) + "\"><pVariable Name=\"X\">N" +
-                       QByteArray::number(i + 1) + "</pVariable><Formula>X+1</Formula></IntSwissKnife>";
-            xml += "<IntReg Name=\"N" + QByteArray::number(hops) + "\"><Address>0x1000</Address><Length>4</Length>"
-                   "<pPort>Device</pPort></IntReg><Port Name=\"Device\"/></RegisterDescription>";
-            QCOMPARE(openAndReadAll(xml), hops == GenICamReferenceGraph::MaxChainLength);
+            const QByteArray n = QByteArray::number(i), next = "N" + QByteArray::number(i + 1);
+            if (i <= most) // A -> N1 -> ... -> Ni+1, Ni+1 a constant
+                chain += "<IntSwissKnife Name=\"" + (i ? "N" + n : "A") + "\"><pVariable Name=\"X\">" + next +
+                         "</pVariable><Formula>X+1</Formula></IntSwissKnife>";
+            if (i == most - 1 || i == most)
+                QTest::addRow("chain of %d", i + 1)
+                    << chain + "<Integer Name=\"" + next + "\"><Value>1</Value></Integer>"
+                    << (i < most ? "read 1" : "Reference chain too deep");
+            variables += "<pVariable Name=\"V" + n + "\">R</pVariable>";
+            formula += "+V" + n;
+            entries += "<EnumEntry Name=\"E" + QByteArray::number(i % 99999) + "\">" +
+                       (i ? "" : "<pIsAvailable>R</pIsAvailable>") + "<Value>" + n + "</Value></EnumEntry>";
+            listed += "<pFeature>S" + QByteArray::number(i % 20000) + "</pFeature>";
+            if (i < 20000)
+                structure += "<StructEntry Name=\"S" + n + "\"><Bit>0</Bit></StructEntry>";
         }
+        QTest::newRow("formula of 100,000 variables")
+            << "<IntSwissKnife Name=\"A\">" + variables + "<Formula>" + formula + "</Formula></IntSwissKnife>"
+            << "Reference fan-out too wide (a read of A evaluates nodes over 50000 times)";
+        // The second of two equal names is first in Aravis's list, the one it writes.
+        QTest::newRow("enumeration of 100,000 entries, two named alike")
+            << "<Enumeration Name=\"A\">" + entries + "<pValue>R</pValue></Enumeration>"
+            << "read 100001";
+        QTest::newRow("structure of 20,000 entries, each listed 5 times")
+            << "<Category Name=\"A\">" + listed + "</Category><StructReg>" + structure +
+                   "<Address>0x1000</Address><Length>4</Length><pPort>Device</pPort></StructReg>"
+            << "read 20000";
+    }
+
+    void limits()
+    {
+        QFETCH(QByteArray, nodes);
+        QFETCH(QString, outcome);
+        const QByteArray xml = "<RegisterDescription><Category Name=\"Root\"><pFeature>A</pFeature></Category>" +
+                               nodes +
+                               "<IntReg Name=\"R\"><Address>0x1000</Address><Length>4</Length><pPort>Device</pPort>"
+                               "</IntReg><Port Name=\"Device\"/></RegisterDescription>";
+        const QDeadlineTimer deadline(5000); // at most 1.3 s a row, 2.1 s beside two busy processes
+        QCOMPARE(openAndReadAll(xml).left(outcome.size()), outcome);
+        QVERIFY(!deadline.hasExpired());
     }
 
     void randomDescriptions()
@@ -200,7 +241,7 @@ private slots:
         {
             std::fprintf(stderr, "description seed %u\r", currentSeed); // the last one stays on a crash
             alarm(60);
-            opened += openAndReadAll(Description(currentSeed).xml());
+            opened += openAndReadAll(Description(currentSeed).xml()).startsWith("read ");
             alarm(0);
         }
         qInfo("%d of %d descriptions opened (seeds %u to %u)", opened, count, first, first + quint32(count) - 1);

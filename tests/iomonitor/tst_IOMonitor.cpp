@@ -21,11 +21,11 @@ namespace
 
 // Three lines read in one of the ways the monitor knows. The line family
 // stands on Line1, so that a walk has a line before and after it; the
-// LineStatusAll camera also reports two acquisition states.
+// LineStatusAll camera (Line1 to Line3, LineStatus too) also has two states.
 std::unique_ptr<TestCamera> camera(const QString& source)
 {
     std::unique_ptr<TestCamera> cam(new TestCamera);
-    const QStringList lines{"Line0", "Line1", "Line2"};
+    const QStringList lines = QStringList{"Line0", "Line1", "Line2", "Line3"}.mid(source == "all", 3);
     if (source == "masks")
     {
         cam->addEnum("SyncOutSelector", {"SyncOut1", "SyncOut2", "SyncOut3"}, "SyncOut1");
@@ -34,16 +34,13 @@ std::unique_ptr<TestCamera> camera(const QString& source)
     }
     cam->addEnum("LineSelector", lines, "Line1");
     cam->addEnum("LineMode", {"Input", "Output"}, "Input").selectedBy("LineSelector");
-    cam->set("LineMode", "Output", "Line2");
+    cam->set("LineMode", "Output", lines.at(2));
+    cam->add("LineStatus", OrvFeatureDataBool, false).selectedBy("LineSelector");
     if (source == "all")
     {
-        cam->add("LineStatusAll", OrvFeatureDataInt, 0, 0, 7).writable(false);
+        cam->add("LineStatusAll", OrvFeatureDataInt, 0, 0, 15).writable(false);
         cam->addEnum("AcquisitionStatusSelector", {"FrameTriggerWait", "AcquisitionActive"}, "AcquisitionActive");
         cam->add("AcquisitionStatus", OrvFeatureDataBool, false).selectedBy("AcquisitionStatusSelector");
-    }
-    else
-    {
-        cam->add("LineStatus", OrvFeatureDataBool, false).selectedBy("LineSelector");
     }
     return cam;
 }
@@ -59,7 +56,7 @@ void apply(TestCamera& cam, IOMonitorWidget& page, const QString& source, const 
     {
         if (source == "walk" && lines.at(i) != 'x')
             cam.set("LineStatus", lines.at(i) == '1', "Line" + QString::number(i));
-        mask |= (lines.at(i) == '1' ? 1LL : 0LL) << i;
+        mask |= (lines.at(i) == '1' ? 1LL : 0LL) << (i + (source == "all"));
     }
     if (source == "all")
         cam.set("LineStatusAll", mask);
@@ -235,12 +232,13 @@ void tst_IOMonitor::readsOnlyWhileShownEnabledAndRunning()
 }
 
 // A dump parsed back gives each signal's changes at the sample times, with
-// "x" for a failed read, and names GTKWave accepts.
+// "x" for a failed read, a time stamp for every sample (also one that changes
+// nothing) and the end, and names GTKWave accepts.
 void tst_IOMonitor::vcdRoundTrips()
 {
     SignalTrace line("Line 0"), state("FrameTriggerWait");
     const QVector<QPair<qint64, QPair<int, int>>> samples{
-        {900, {1, 0}}, {1000, {0, 0}}, {1100, {1, 1}}, {1200, {-1, 1}}, {1300, {1, 0}}, {1400, {0, 0}}};
+        {900, {1, 0}}, {1000, {0, 0}}, {1100, {1, 1}}, {1200, {-1, 1}}, {1300, {1, 0}}, {1400, {0, 0}}, {1450, {0, 0}}};
     for (const auto& sample : samples)
     {
         line.append(sample.first, sample.second.first);
@@ -250,20 +248,21 @@ void tst_IOMonitor::vcdRoundTrips()
 
     QMap<QByteArray, QByteArray> names;
     QMap<QByteArray, QStringList> changes;
-    QByteArray time;
+    QByteArray time, stamps;
     for (const QByteArray& text : dump.split('\n'))
     {
         const QList<QByteArray> words = text.split(' ');
         if (words.first() == "$var")
             names[words.at(3)] = words.at(4);
         else if (text.startsWith('#'))
-            time = text.mid(1);
+            stamps += ' ' + (time = text.mid(1));
         else if (!text.isEmpty() && QByteArray("01x").contains(text.at(0)))
             changes[names.value(text.mid(1))] << time + ":" + text.at(0);
     }
     QCOMPARE(names.values(), QList<QByteArray>({"Line_0", "FrameTriggerWait"}));
     QCOMPARE(changes.value("Line_0"), QStringList({"0:0", "100:1", "200:x", "300:1", "400:0"}));
     QCOMPARE(changes.value("FrameTriggerWait"), QStringList({"0:0", "100:1", "300:0"}));
+    QCOMPARE(stamps, QByteArray(" 0 100 200 300 400 450 500"));
     QVERIFY(dump.contains("$timescale 1ms $end") && dump.endsWith("#500\n"));
 }
 
