@@ -1,11 +1,13 @@
-// First: Aravis, which must come before Qt's keywords.
-#include <arv.h>
+// First: it brings Aravis, which must come before Qt's keywords.
+#include "FakeGigEServer.h"
 
-#include "GenICamCamera.h"
+#include "CameraFinder.h"
 #include "ViewerWindow.h"
 
 #include <QtTest>
 #include <QtWidgets>
+
+Q_DECLARE_METATYPE(std::shared_ptr<GenICamCamera>)
 
 namespace
 {
@@ -18,12 +20,23 @@ std::shared_ptr<GenICamCamera> camera(const QString& model = TRIGGERIO_CAMERAS_D
 
 } // namespace
 
-// The viewer's window in process, on the demo models run by Aravis's fake device.
+// The viewer's window in process, on the demo models run by Aravis's fake device; finding
+// a camera again, and keeping it, against a fake GigE Vision camera on 127.0.0.1.
 class tst_ViewerWindow : public QObject
 {
     Q_OBJECT
 
+    FakeGigEServer m_server;
+
 private slots:
+    void initTestCase()
+    {
+        qRegisterMetaType<std::shared_ptr<GenICamCamera>>();
+        GenICamCamera camera;
+        QString error;
+        QVERIFY2(m_server.startAndOpen(TRIGGERIO_CAMERAS_DIR "/line-camera.xml", camera, &error), qPrintable(error));
+    }
+
     // A camera found again while the I/O Monitor's save dialog runs waits, open; once it is closed the pages
     // are built anew, the same one current, the monitor's history and settings carried over. Found while a
     // page's popup is open, it waits too; a window closed meanwhile closes it.
@@ -102,6 +115,49 @@ private slots:
         ViewerWindow window(levels.get());
         QCOMPARE(window.addTabs(TRIGGERIO_PLUGIN_DIR), 1);
         QCOMPARE(window.problems(), QStringList());
+    }
+
+    // Another camera answering at the address is not taken, and the search
+    // goes on until the one looked for answers. A finder destroyed while its
+    // attempt runs: the attempt closes what it opened, and its thread ends.
+    void takesOnlyTheSameCamera()
+    {
+        auto finder = std::make_unique<CameraFinder>();
+        finder->setInterval(100);
+        QSignalSpy found(finder.get(), &CameraFinder::found), missed(finder.get(), &CameraFinder::missed);
+        finder->start("127.0.0.1", "ANOTHER-1");
+        QVERIFY(missed.wait(20000) || missed.count() > 0);
+        QCOMPARE(missed.first().first().toString(),
+                 "another camera answers at 127.0.0.1 (serial number " + m_server.serial() + ", not ANOTHER-1)");
+        QVERIFY(found.isEmpty() && finder->isSearching());
+        finder->start("127.0.0.1", m_server.serial());
+        QTRY_COMPARE_WITH_TIMEOUT(found.count(), 1, 20000);
+        const auto taken = found.takeFirst().first().value<std::shared_ptr<GenICamCamera>>();
+        QVERIFY(!finder->isSearching() && taken->serialNumber() == m_server.serial() && (taken->close(), true));
+        finder->start("127.0.0.1", m_server.serial());
+        finder.reset();
+        QVERIFY(GenICamCamera::waitForBackgroundWork(20000));
+        GenICamCamera camera;
+        QCOMPARE(camera.open("127.0.0.1"), OrvErrorSuccess);
+    }
+
+    // Silent for longer than its heartbeat timeout, the camera drops us as its
+    // controller and says so once it answers again: control is taken back,
+    // and Aravis's heartbeat keeps it ours (else the camera would drop us
+    // again three seconds later).
+    void controlTakenBackAfterASilence()
+    {
+        GenICamCamera camera;
+        QCOMPARE(camera.open("127.0.0.1"), OrvErrorSuccess);
+        QCOMPARE(camera.serialNumber(), QString::fromLatin1(m_server.serial()));
+        m_server.pause();
+        QTest::qWait(4000);
+        m_server.resume();
+        QTest::qWait(8000); // the drop seen by Aravis's heartbeat, control asked for again, 5 s kept
+        guint32 privilege = 0;
+        camera.withAravisDevice([&](ArvDevice* device) { arv_device_read_register(device, 0x0a00, &privilege, nullptr); });
+        QCOMPARE(privilege & 0x3, guint32(0x2)); // control, not exclusive
+        QVERIFY(!camera.isDeviceLost());
     }
 };
 
