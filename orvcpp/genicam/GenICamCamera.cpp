@@ -308,8 +308,7 @@ void GenICamCamera::applySettings()
     if (!m_device)
         return;
     m_device->poller().setPeriod(m_pollPeriod);
-    const std::shared_ptr<std::function<void()>> handler = m_lostHandler;
-    m_device->setLostHandler(handler ? std::function<void()>([handler] { (*handler)(); }) : nullptr);
+    m_device->setLostHandler(m_lostHandler);
 }
 
 void GenICamCamera::close()
@@ -341,7 +340,7 @@ void GenICamCamera::adopt(GenICamCamera& other)
 
 void GenICamCamera::setLostHandler(std::function<void()> handler)
 {
-    m_lostHandler = handler ? std::make_shared<std::function<void()>>(std::move(handler)) : nullptr;
+    m_lostHandler = std::move(handler);
     applySettings();
 }
 

@@ -107,7 +107,7 @@ private:
     void applySettings();
 
     std::shared_ptr<GenICamDevice> m_device;
-    std::shared_ptr<std::function<void()>> m_lostHandler;
+    std::function<void()> m_lostHandler;
     int m_pollPeriod;
     FeatureList m_features;
     QString m_id;

@@ -17,12 +17,12 @@ using WeakDevice = std::weak_ptr<GenICamDevice>;
 
 // "control-lost" is emitted by Aravis's heartbeat thread of a GigE Vision
 // device when the camera no longer counts us as its controller. The handler
-// holds the device weakly: GLib keeps its data alive while a call runs, also
-// when the device is disconnecting meanwhile.
+// holds the device weakly (GLib keeps its data alive while a call runs, also
+// when the device is disconnecting meanwhile) and never takes a reference to
+// it on Aravis's thread: dropping the last one there would join that thread.
 void onControlLost(ArvDevice*, gpointer userData)
 {
-    if (const std::shared_ptr<GenICamDevice> device = static_cast<WeakDevice*>(userData)->lock())
-        device->controlLost();
+    GenICamDevice::controlLost(*static_cast<WeakDevice*>(userData));
 }
 
 void forgetDevice(gpointer userData, GClosure*)
@@ -114,12 +114,12 @@ void GenICamDevice::letGoIfLost()
     m_genicam = nullptr;
 }
 
-void GenICamDevice::controlLost()
+void GenICamDevice::controlLost(const std::weak_ptr<GenICamDevice>& weak)
 {
     // Not on Aravis's heartbeat thread: asking for control waits for the
     // link, and letting go of the device there would wait for that very thread.
     BackgroundJobs::start(
-        [weak = weak_from_this()]
+        [weak]
         {
             const auto until = std::chrono::steady_clock::now() + FlagClearedWait;
             for (;; std::this_thread::sleep_for(std::chrono::milliseconds(2)))

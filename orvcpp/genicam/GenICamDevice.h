@@ -87,7 +87,7 @@ public:
     // controller (a link cut for two seconds can do that): in the background,
     // once Aravis has noted it, control is asked for again. The device is then
     // ours again, with Aravis's heartbeat running, or it is lost.
-    void controlLost();
+    static void controlLost(const std::weak_ptr<GenICamDevice>& weak);
     // Once lost, lets go of the Aravis device in the background: Aravis
     // says goodbye to the camera (a register write that waits for its whole
     // timeout on a silent link) and stops its heartbeat, which would
