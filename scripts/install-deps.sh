@@ -8,13 +8,13 @@
 #                        libaravis-dev libusb-1.0-0-dev (aravis-0.8.pc names libusb-1.0)
 #   demo and tests       aravis-tools (arv-fake-gv-camera-0.8), aravis-tools-cli (arv-tool-0.8),
 #                        xvfb xauth (tests in a real window), fonts-dejavu-core (text in windows and screenshots)
-#   cpack -G DEB         dpkg-dev (dpkg-shlibdeps) file
+#   cpack -G DEB         dpkg-dev (dpkg-shlibdeps) file; lintian checks the packages
 #   tests in a network namespace of their own   iproute2 (ip)
 set -euo pipefail
 
 packages=(cmake g++ make pkg-config qtbase5-dev qttools5-dev qttools5-dev-tools
           libaravis-dev aravis-tools aravis-tools-cli libusb-1.0-0-dev xvfb xauth fonts-dejavu-core
-          dpkg-dev file iproute2)
+          dpkg-dev file lintian iproute2)
 missing=()
 for p in "${packages[@]}"; do
     dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

@@ -21,7 +21,7 @@ test -f "$prefix/include/triggerio/TabExtensionInterface.h"
 test -f "$prefix/include/triggerio/OrvCPP/OrvCPP.h"
 # The backend is a shared library with a SONAME.
 readelf -d "$prefix/$2/libtriggerio-genicam.so.1" | grep -q 'SONAME.*libtriggerio-genicam\.so\.1\]'
-# triggerio.pc names this prefix.
-test "$(PKG_CONFIG_PATH="$prefix/$2/pkgconfig" pkg-config --variable=pluginsdir triggerio)" = \
+# triggerio.pc names this prefix (found from the file's own folder).
+test "$(realpath "$(PKG_CONFIG_PATH="$prefix/$2/pkgconfig" pkg-config --variable=pluginsdir triggerio)")" = \
     "$prefix/$2/triggerio/plugins"
 echo "installed viewer ran from $prefix"
