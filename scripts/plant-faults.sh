@@ -21,7 +21,8 @@
 # device's memory and each access it guards (device), and some more (other).
 # limits a write to the rows it concerns (row-limit), the GenICam reference
 # graph's limits and the enumeration lookup (graph), the I/O Monitor's bits,
-# sources, gaps, edges, trigger words and dump (monitor), and some more (other).
+# sources, gaps, edges, trigger words and dump (monitor), what the Debian
+# packages hold and need (package), and some more (other).
 # A step that nothing can tell from its absence (it repeats what the steps
 # before it left in place) is planted as "equivalent": caught would mean the
 # reasoning in its description is wrong.
@@ -31,7 +32,9 @@
 # three cost the most. The tests run in three rounds, each only when the one
 # before passed: the tab and FeatureManager record suites (a few seconds),
 # the other fast suites, then the soak and the random descriptions; ctest stops
-# at the first failure. A caught fault costs a rebuild and a few seconds; its
+# at the first failure. The packages' test (debian_packages, some 30 s) is left
+# out too, but for the faults of kind "package", which run it and the installed
+# viewer's test alone. A caught fault costs a rebuild and a few seconds; its
 # log (/tmp/plant-ID.log) names the failing test rows.
 set -uo pipefail
 cd "$(dirname "$0")/.."
@@ -39,7 +42,7 @@ build=${1:-build}
 filter=${2:-.}
 shift 2 2>/dev/null || shift $#
 only=" $* "
-exclude=${PLANT_EXCLUDE:-^(tst_viewerloopback|viewer_install|host_example)\$}
+exclude=${PLANT_EXCLUDE:-^(tst_viewerloopback|viewer_install|host_example|debian_packages)\$}
 first='^(tst_triggeriotab|tst_featuremanager)$'
 slow='^(tst_soak|tst_random_descriptions)$'
 jobs=${PLANT_JOBS:-2}
@@ -336,6 +339,19 @@ m-vcd-origin~monitor~iomonitor/VcdWriter.cpp~QByteArray::number(it.key() - fromM
 m-vcd-stamp~monitor~iomonitor/VcdWriter.cpp~        out += '#' + QByteArray::number(it.key() - fromMs)~        if (std::all_of(it.value().cbegin(), it.value().cend(),\n                        [&](const QPair<int, int>& c) { return last.at(c.first) == c.second; }))\n            continue;\n        out += '#' + QByteArray::number(it.key() - fromMs)~a sample that changes no level gets no time stamp
 m-walk-restore~monitor~iomonitor/SelectorWalk.cpp~    if (current != savedEntry && selector->SetValue(saved.c_str()) != OrvErrorSuccess &&~    if (current != savedEntry && selector->SetValue(current.toStdString().c_str()) != OrvErrorSuccess &&~the walk "restores" the selector to the last entry it read
 m-walk-first~monitor~iomonitor/SelectorWalk.cpp~    const int first = entries.indexOf(savedEntry);~    const int first = -1;~the entry the selector stands on is written and read in turn like the others
+pkg-lib-component~package~orvcpp/genicam/CMakeLists.txt~COMPONENT Library NAMELINK_COMPONENT Development~COMPONENT Runtime NAMELINK_COMPONENT Development~the backend library shipped in the viewer's package, not in one named after its SONAME
+pkg-namelink~package~orvcpp/genicam/CMakeLists.txt~NAMELINK_COMPONENT Development~NAMELINK_COMPONENT Library~the link name libtriggerio-genicam.so in the library package, not in triggerio-dev
+pkg-dev-depends~package~packaging/CMakeLists.txt~"${TRIGGERIO_LIBRARY_PACKAGE} (= ${CPACK_PACKAGE_VERSION}), qtbase5-dev~"triggerio (= ${CPACK_PACKAGE_VERSION}), qtbase5-dev~triggerio-dev depends on the viewer's package
+pkg-dev-recommends~package~packaging/CMakeLists.txt~CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS triggerio~CPACK_DEBIAN_DEVELOPMENT_PACKAGE_RECOMMENDS triggerio~triggerio-dev recommends the viewer's package, which apt installs along
+pkg-app-depends~package~packaging/CMakeLists.txt~set(CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS ~set(CPACK_DEBIAN_RUNTIME_PACKAGE_DEPENDS_UNUSED ~the viewer's package does not depend on the library package
+pkg-shlibs~package~packaging/CMakeLists.txt~set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)~set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS OFF)~the library package has no shlibs file
+pkg-shlibs-policy~package~packaging/CMakeLists.txt~set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")~~programs linked against the library need its exact version
+pkg-trigger~package~packaging/CMakeLists.txt~set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_SOURCE_DIR}/triggers)~~the library package does not activate the ldconfig trigger
+pkg-pc-dir~package~packaging/CMakeLists.txt~DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT Development~DESTINATION lib/pkgconfig COMPONENT Development~triggerio.pc outside the multiarch folder
+pkg-pc-prefix~package~packaging/CMakeLists.txt~set(PC_PREFIX "\${pcfiledir}/${PC_PREFIX_FROM_PCFILEDIR}")~set(PC_PREFIX "${CMAKE_INSTALL_PREFIX}")~triggerio.pc names the configured prefix wherever it is installed
+pkg-plugin-bin~package~plugin/CMakeLists.txt~LIBRARY DESTINATION ${TRIGGERIO_INSTALL_PLUGINDIR} COMPONENT Runtime~LIBRARY DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Runtime~the tab plug-in installed into bin/
+pkg-plugindir-check~package~packaging/TriggerIOConfig.cmake.in~set(TriggerIO_PLUGIN_DIR ~set_and_check(TriggerIO_PLUGIN_DIR ~the CMake package fails where the plug-ins are not installed (triggerio-dev alone)
+pkg-manpage~package~packaging/CMakeLists.txt~install(FILES ${CMAKE_CURRENT_BINARY_DIR}/triggerio-viewer.1.gz\n    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT Runtime)~~the viewer's package without its manual page
 LIST
 )
 
@@ -377,6 +393,13 @@ run_tests() { # log file
     done
 }
 
+# The packages' faults (kind "package") run the tests that install the build or
+# make its packages, whatever the filter; no other test looks at them.
+run_package_tests() { # log file
+    cmake --build "$build" -j"$jobs" >/tmp/plant-build.log 2>&1 || return 2
+    (cd "$build" && ctest -R '^(viewer_install|debian_packages)$' -j"$jobs" --output-on-failure --timeout 300) >>"$1" 2>&1
+}
+
 while IFS='~' read -r id kind spot from to what; do
     [ -n "$id" ] || continue
     if [ "$only" != "  " ] && [[ "$only" != *" $id "* ]] && [[ "$only" != *" $kind "* ]]; then continue; fi
@@ -398,7 +421,9 @@ while IFS='~' read -r id kind spot from to what; do
     fi
     : >"/tmp/plant-$id.log"
     result=0
-    [ -n "${PLANT_CHECK:-}" ] || { run_tests "/tmp/plant-$id.log"; result=$?; }
+    if [ -n "${PLANT_CHECK:-}" ]; then :
+    elif [ "$kind" = package ]; then run_package_tests "/tmp/plant-$id.log"; result=$?
+    else run_tests "/tmp/plant-$id.log"; result=$?; fi
     if [ -n "${PLANT_CHECK:-}" ]; then
         echo "PLANTS  $id"
     elif [ $result = 2 ]; then
@@ -418,7 +443,7 @@ done <<<"$faults"
 cmake --build "$build" -j"$jobs" >/dev/null 2>&1
 echo
 printf '%-12s %6s %7s %7s\n' kind faults caught missed
-for kind in dispatch preset-step literal size alt-order restore row-limit other poller device finder viewer graph monitor equivalent; do
+for kind in dispatch preset-step literal size alt-order restore row-limit other poller device finder viewer graph monitor package equivalent; do
     [ -n "${k_all[$kind]:-}" ] || continue
     printf '%-12s %6d %7d %7d\n' "$kind" "${k_all[$kind]}" "${k_caught[$kind]:-0}" "${k_missed[$kind]:-0}"
 done
