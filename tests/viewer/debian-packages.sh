@@ -38,25 +38,29 @@ cat "$work/lintian.txt"
 unexplained=$(grep '^W: ' "$work/lintian.txt" | awk '{ print $3 }' | grep -vxE "$allowed_warnings" || true)
 [ -z "$unexplained" ] || fail "lintian warnings that README does not explain: $unexplained"
 
-# Where the files are.
+# Where the files are. (Outputs are read whole before grep -q looks at them:
+# a writer cut off by grep's early exit would fail the pipe.)
 files() { dpkg-deb -c "$1" | awk '{ print $6 }' | sed 's|^\./||'; }
-files "$lib" | grep -qx "usr/$libdir/libtriggerio-genicam.so.1" || fail "the library is not in $lib"
-[ -z "$(files "$lib" | grep -vE "^usr/(|lib/|$libdir/|$libdir/libtriggerio-genicam\.so\.1(\.[0-9.]+)?|share/(|doc/.*))$")" ] ||
-    fail "$lib holds more than the library: $(files "$lib" | tr '\n' ' ')"
+lib_files=$(files "$lib")
+app_files=$(files "$app")
+dev_files=$(files "$dev")
+grep -qx "usr/$libdir/libtriggerio-genicam.so.1" <<<"$lib_files" || fail "the library is not in $lib"
+[ -z "$(grep -vE "^usr/(|lib/|$libdir/|$libdir/libtriggerio-genicam\.so\.1(\.[0-9.]+)?|share/(|doc/.*))$" <<<"$lib_files")" ] ||
+    fail "$lib holds more than the library: $(tr '\n' ' ' <<<"$lib_files")"
 [ "$(dpkg-deb -I "$lib" shlibs)" = "libtriggerio-genicam 1 libtriggerio-genicam1 (>= $(dpkg-deb -f "$lib" Version))" ] ||
     fail "shlibs of $lib: $(dpkg-deb -I "$lib" shlibs)"
-[ "$(files "$app" | grep '^usr/bin/.')" = usr/bin/triggerio-viewer ] || fail "bin/ holds more than the viewer"
+[ "$(grep '^usr/bin/.' <<<"$app_files")" = usr/bin/triggerio-viewer ] || fail "bin/ holds more than the viewer"
 for plugin in tabextensiontriggerio tabextensioniomonitor; do
-    files "$app" | grep -qx "usr/$libdir/triggerio/plugins/lib$plugin.so" || fail "no plug-in $plugin in $app"
+    grep -qx "usr/$libdir/triggerio/plugins/lib$plugin.so" <<<"$app_files" || fail "no plug-in $plugin in $app"
 done
-! { files "$app"; files "$dev"; } | grep -q 'libtriggerio-genicam\.so\.' || fail "the library is in a second package"
-files "$dev" | grep -qx "usr/$libdir/pkgconfig/triggerio.pc" || fail "no triggerio.pc in $dev"
+! grep -q 'libtriggerio-genicam\.so\.' <<<"$app_files$dev_files" || fail "the library is in a second package"
+grep -qx "usr/$libdir/pkgconfig/triggerio.pc" <<<"$dev_files" || fail "no triggerio.pc in $dev"
 
 # What triggerio-dev brings along.
 relations=$(dpkg-deb -f "$dev" Pre-Depends Depends Recommends)
-echo "$relations" | grep -q 'libtriggerio-genicam1 (= ' || fail "triggerio-dev does not depend on the library: $relations"
-! echo "$relations" | grep -qE '(^|[ ,|])triggerio([ ,(|]|$)' || fail "triggerio-dev brings the viewer: $relations"
-dpkg-deb -f "$app" Depends | grep -q 'libtriggerio-genicam1 (= ' || fail "triggerio does not depend on the library"
+grep -q 'libtriggerio-genicam1 (= ' <<<"$relations" || fail "triggerio-dev does not depend on the library: $relations"
+! grep -qE '(^|[ ,|])triggerio([ ,(|]|$)' <<<"$relations" || fail "triggerio-dev brings the viewer: $relations"
+grep -q 'libtriggerio-genicam1 (= ' <<<"$(dpkg-deb -f "$app" Depends)" || fail "triggerio does not depend on the library"
 apt-get install --simulate -o APT::Install-Recommends=true "$lib" "$dev" > "$work/apt.txt" 2>&1 ||
     { cat "$work/apt.txt"; fail "apt-get cannot install triggerio-dev"; }
 grep -q '^Inst triggerio-dev ' "$work/apt.txt" || { cat "$work/apt.txt"; fail "apt-get would not install triggerio-dev"; }
@@ -71,7 +75,7 @@ for flag in $flags; do
     case $flag in -L*) test -e "${flag#-L}/libtriggerio-genicam.so" || fail "pkg-config: no library in ${flag#-L}" ;; esac
     case $flag in -I*/triggerio) test -f "${flag#-I}/TabExtensionInterface.h" || fail "pkg-config: no headers in ${flag#-I}" ;; esac
 done
-echo "$flags" | grep -q -- "-I$root/" || fail "pkg-config does not name the headers' folder: $flags"
+grep -q -- "-I$root/" <<<"$flags" || fail "pkg-config does not name the headers' folder: $flags"
 cp -r "$source/examples/host" "$work/host"
 cmake -S "$work/host" -B "$work/host-build" -DCMAKE_PREFIX_PATH="$root/usr" > "$work/host.log" 2>&1 ||
     { cat "$work/host.log"; fail "the CMake package does not work from triggerio-dev"; }
@@ -80,7 +84,7 @@ grep -q "^TriggerIO_DIR:PATH=$root/usr/$libdir/cmake/TriggerIO$" "$work/host-bui
 
 # The viewer runs from its package, with the package's library and plug-ins.
 dpkg-deb -x "$app" "$root"
-ldd "$root/usr/bin/triggerio-viewer" | grep -q "libtriggerio-genicam.so.1 => $root/" ||
+grep -q "libtriggerio-genicam.so.1 => $root/" <<<"$(ldd "$root/usr/bin/triggerio-viewer")" ||
     fail "the packaged viewer does not load the packaged library"
 cd /
 for page in "Trigger IO" "I/O Monitor"; do
