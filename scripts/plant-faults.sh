@@ -32,7 +32,7 @@
 # three cost the most. The tests run in three rounds, each only when the one
 # before passed: the tab and FeatureManager record suites (a few seconds),
 # the other fast suites, then the soak and the random descriptions; ctest stops
-# at the first failure. The packages' test (debian_packages, some 30 s) is left
+# at the first failure. The packages' test (debian_packages, 30 to 40 s) is left
 # out too, but for the faults of kind "package", which run it and the installed
 # viewer's test alone. A caught fault costs a rebuild and a few seconds; its
 # log (/tmp/plant-ID.log) names the failing test rows.
