@@ -298,8 +298,8 @@ v-disabled~viewer~viewer/ViewerWindow.cpp~    m_tabs->setEnabled(false);\n~~the 
 v-result4~viewer~viewer/ViewerWindow.cpp~if (result == 4)~if (result == -4)~a plug-in that does not serve the camera (result 4) is named as a problem
 v-modal~viewer~viewer/ViewerWindow.cpp~QApplication::activeModalWidget() || ~~the pages are rebuilt under an open modal dialog
 v-popup~viewer~viewer/ViewerWindow.cpp~ || QApplication::activePopupWidget()~~the pages are rebuilt under an open popup
-v-current~viewer~viewer/ViewerWindow.cpp~m_tabs->setCurrentIndex(i);~m_tabs->setCurrentIndex(0);~the first page is current after a rebuild
-v-carry~viewer~viewer/ViewerWindow.cpp~buildPages(carried);~buildPages();~the rebuild hands no page's history on
+v-current~viewer~viewer/ViewerWindow.cpp~m_tabs->setCurrentIndex(page);~m_tabs->setCurrentIndex(0);~the first page is current after a rebuild
+v-carry~viewer~viewer/ViewerWindow.cpp~buildPages(carried) == 0~buildPages() == 0~the rebuild hands no page's history on
 v-handover~viewer~iomonitor/IOMonitorWidget.cpp~        m_history->traces.push_back(std::move(row->trace));~        (void)row;~a deleted monitor page offers no traces
 v-settings~viewer~iomonitor/IOMonitorWidget.cpp~    ui->sb_Window->setValue(before->seconds);\n~~the monitor's time window is not taken over
 v-gap~viewer~iomonitor/IOMonitorWidget.cpp~        m_pSampleTimer->stop();\n        markNotSampled();~        m_pSampleTimer->stop();~time not sampled is drawn as the last level held
@@ -336,6 +336,19 @@ m-vcd-origin~monitor~iomonitor/VcdWriter.cpp~QByteArray::number(it.key() - fromM
 m-vcd-stamp~monitor~iomonitor/VcdWriter.cpp~        out += '#' + QByteArray::number(it.key() - fromMs)~        if (std::all_of(it.value().cbegin(), it.value().cend(),\n                        [&](const QPair<int, int>& c) { return last.at(c.first) == c.second; }))\n            continue;\n        out += '#' + QByteArray::number(it.key() - fromMs)~a sample that changes no level gets no time stamp
 m-walk-restore~monitor~iomonitor/SelectorWalk.cpp~    if (current != savedEntry && selector->SetValue(saved.c_str()) != OrvErrorSuccess &&~    if (current != savedEntry && selector->SetValue(current.toStdString().c_str()) != OrvErrorSuccess &&~the walk "restores" the selector to the last entry it read
 m-walk-first~monitor~iomonitor/SelectorWalk.cpp~    const int first = entries.indexOf(savedEntry);~    const int first = -1;~the entry the selector stands on is written and read in turn like the others
+ch-demo~chooser~viewer/CameraChooser.cpp~tr("Demo: %1")~tr("%1")~the demo models are not marked as demos
+ch-serial~chooser~viewer/CameraChooser.cpp~item->setText(SerialColumn, device.serial);~item->setText(SerialColumn, device.id);~the serial number column shows the device id
+ch-last~chooser~viewer/CameraChooser.cpp~            m_entries.move(i, 0);~            ;~the camera opened last is not offered first
+ch-remember~chooser~viewer/CameraChooser.cpp~    rememberOpened(id);\n    fill();~    fill();~the camera opened is not remembered
+ch-periodic~chooser~viewer/CameraChooser.cpp~    refresh();\n    m_refresh.start();~    refresh();~the list is not refreshed while it is shown
+ch-reason~chooser~viewer/CameraChooser.cpp~        m_problems.insert(id, reason);\n        fill();~        fill();~a camera that cannot be opened does not say why
+ch-control~chooser~viewer/CameraDiscovery.cpp~& 0x3) ? Control::Elsewhere~& 0x4) ? Control::Elsewhere~a camera another application controls is shown free
+ch-open-shown~chooser~viewer/ViewerWindow.cpp~    m_views->setCurrentWidget(m_cameraView);\n    setCameraStatus~    setCameraStatus~a camera opened in the chooser is not shown
+ch-page-english~chooser~viewer/ViewerWindow.cpp~            if (QCoreApplication::translate(widget->metaObject()->className(), english.constData()) ==~            if (english ==~--page takes only the title in the language shown
+ch-number~chooser~viewer/main.cpp~    if (ok && *value >= 0)~    if (*value >= 0)~a numeric option that is no number is taken as 0
+gt-start~gui-thread~viewer/CameraStream.cpp~    if (m_wanted)\n    {\n        GenICamCamera::runInBackground(~    if (m_wanted)\n    {\n        std::invoke(~the acquisition starts on the GUI thread
+gt-stop~gui-thread~viewer/CameraStream.cpp~    else\n    {\n        GenICamCamera::runInBackground(~    else\n    {\n        std::invoke(~the acquisition stops on the GUI thread
+gt-trigger~gui-thread~viewer/ViewerWindow.cpp~        m_stream->runCommand(feature);~        feature->RunCommand();~the viewer's software trigger runs on the GUI thread
 LIST
 )
 
@@ -418,7 +431,7 @@ done <<<"$faults"
 cmake --build "$build" -j"$jobs" >/dev/null 2>&1
 echo
 printf '%-12s %6s %7s %7s\n' kind faults caught missed
-for kind in dispatch preset-step literal size alt-order restore row-limit other poller device finder viewer graph monitor equivalent; do
+for kind in dispatch preset-step literal size alt-order restore row-limit other poller device finder viewer graph monitor chooser gui-thread equivalent; do
     [ -n "${k_all[$kind]:-}" ] || continue
     printf '%-12s %6d %7d %7d\n' "$kind" "${k_all[$kind]}" "${k_caught[$kind]:-0}" "${k_missed[$kind]:-0}"
 done

@@ -15,6 +15,8 @@ namespace
 
 // How often the list is refreshed while it is shown.
 const int RefreshPeriodMs = 3000;
+// Room between a column's widest text and the next column.
+const int ColumnGap = 24;
 const char* const LastOpenedKey = "chooser/lastCamera";
 enum Column
 {
@@ -41,7 +43,6 @@ CameraChooser::CameraChooser(QWidget* parent)
 {
     ui->setupUi(this);
     m_shared->owner = this;
-    ui->tw_Cameras->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     ui->tw_Cameras->header()->setStretchLastSection(true);
     ui->pb_Back->hide();
     m_refresh.setInterval(RefreshPeriodMs);
@@ -171,26 +172,40 @@ QString CameraChooser::statusOf(const CameraDiscovery::Entry& entry) const
 
 void CameraChooser::fill()
 {
-    const QString selected = ui->tw_Cameras->currentItem() ? selectedId() : lastOpened();
-    ui->tw_Cameras->clear();
-    for (const CameraDiscovery::Entry& entry : qAsConst(m_entries))
+    QTreeWidget* list = ui->tw_Cameras;
+    const QString selected = list->currentItem() ? selectedId() : lastOpened();
+    // Rows are updated in place: a refresh does not take a row from under a click.
+    while (list->topLevelItemCount() > m_entries.size())
+        delete list->topLevelItem(list->topLevelItemCount() - 1);
+    while (list->topLevelItemCount() < m_entries.size())
+        new QTreeWidgetItem(list);
+    for (int row = 0; row < m_entries.size(); ++row)
     {
+        const CameraDiscovery::Entry& entry = m_entries.at(row);
         const GenICamCamera::DeviceInfo& device = entry.device;
         QString name = (device.vendor + " " + device.model).trimmed();
         if (entry.demo)
             name = tr("Demo: %1").arg(device.model);
         else if (name.isEmpty())
             name = device.id;
-        QTreeWidgetItem* item = new QTreeWidgetItem(
-            ui->tw_Cameras, {name, device.serial, entry.demo ? QFileInfo(device.address).fileName() : device.address,
-                             statusOf(entry)});
+        QTreeWidgetItem* item = list->topLevelItem(row);
+        item->setText(CameraColumn, name);
+        item->setText(SerialColumn, device.serial);
+        item->setText(AddressColumn, entry.demo ? QFileInfo(device.address).fileName() : device.address);
+        item->setText(StatusColumn, statusOf(entry));
         item->setData(CameraColumn, Qt::UserRole, device.id);
         item->setToolTip(CameraColumn, device.id);
-        if (m_problems.contains(device.id) && !m_opening.contains(device.id))
-            item->setForeground(StatusColumn, QColor(200, 30, 30));
+        item->setToolTip(StatusColumn, item->text(StatusColumn));
+        const bool problem = m_problems.contains(device.id) && !m_opening.contains(device.id);
+        item->setForeground(StatusColumn, problem ? QBrush(QColor(200, 30, 30)) : list->palette().text());
     }
-    if (!select(selected) && ui->tw_Cameras->topLevelItemCount() > 0)
-        ui->tw_Cameras->setCurrentItem(ui->tw_Cameras->topLevelItem(0));
+    for (int column : {CameraColumn, SerialColumn, AddressColumn})
+    {
+        list->resizeColumnToContents(column);
+        list->setColumnWidth(column, list->columnWidth(column) + ColumnGap);
+    }
+    if (!select(selected) && list->topLevelItemCount() > 0)
+        list->setCurrentItem(list->topLevelItem(0));
 }
 
 void CameraChooser::openSelected()

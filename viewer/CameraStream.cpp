@@ -123,6 +123,8 @@ CameraStream::~CameraStream()
 
 void CameraStream::start()
 {
+    if (!m_wanted)
+        m_frames = 0; // frames of the acquisition asked for
     m_wanted = true;
     next();
 }
@@ -174,7 +176,6 @@ void CameraStream::onStarted(const std::shared_ptr<Acquisition>& acquisition, co
     m_running = acquisition;
     if (m_wanted)
     {
-        m_frames = 0;
         m_timer.start();
         emit started();
     }
