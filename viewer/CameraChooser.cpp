@@ -68,9 +68,10 @@ void CameraChooser::setDemoFolder(const QString& folder)
     m_discovery->setDemoFolder(folder);
 }
 
-void CameraChooser::setCurrentCamera(const QString& id)
+void CameraChooser::setCurrentCamera(const QString& id, const QString& serialNumber)
 {
     m_current = id;
+    m_currentSerial = serialNumber;
     ui->pb_Back->setVisible(!id.isEmpty());
     fill();
 }
@@ -139,11 +140,11 @@ void CameraChooser::onListed(const QList<CameraDiscovery::Entry>& entries)
 {
     ui->lb_Searching->clear();
     m_entries = entries;
-    // The camera opened last comes first.
+    // The camera opened last comes first (opened by its address, with --camera, too).
     const QString last = lastOpened();
     for (int i = 0; i < m_entries.size(); ++i)
     {
-        if (m_entries[i].device.id == last)
+        if (m_entries[i].device.id == last || (!m_entries[i].demo && m_entries[i].device.address == last))
             m_entries.move(i, 0);
     }
     fill();
@@ -156,7 +157,8 @@ QString CameraChooser::statusOf(const CameraDiscovery::Entry& entry) const
         return tr("Opening...");
     if (m_problems.contains(id))
         return m_problems.value(id);
-    if (id == m_current)
+    if (!m_current.isEmpty() && (id == m_current || (!m_currentSerial.isEmpty() && !entry.demo &&
+                                                     entry.device.serial == m_currentSerial)))
         return tr("Open in this window");
     switch (entry.control)
     {

@@ -39,9 +39,10 @@ public:
     ~CameraChooser() override;
 
     void setDemoFolder(const QString& folder);
-    // The camera the window shows (empty for none): so marked in the list,
-    // and "Back to the camera" offered.
-    void setCurrentCamera(const QString& id);
+    // The camera the window shows (empty for none): so marked in the list
+    // (found by its id, or its serial number, which an address as id does
+    // not give), and "Back to the camera" offered.
+    void setCurrentCamera(const QString& id, const QString& serialNumber = QString());
     // A reason shown in a camera's row, such as why it cannot be used.
     void setProblem(const QString& id, const QString& reason);
     QString selectedId() const;
@@ -85,6 +86,7 @@ private:
     QHash<QString, QString> m_problems; // by id
     QSet<QString> m_opening;            // ids being opened
     QString m_current;
+    QString m_currentSerial;
 };
 
 #endif

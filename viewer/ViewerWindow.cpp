@@ -86,7 +86,7 @@ ViewerWindow::ViewerWindow(GenICamCamera* camera, QWidget* parent)
     m_views->addWidget(m_cameraView);
     m_views->setCurrentWidget(camera->isOpen() ? m_cameraView : m_chooser);
     setCentralWidget(m_views);
-    m_chooser->setCurrentCamera(camera->id());
+    m_chooser->setCurrentCamera(camera->id(), camera->serialNumber());
     connect(m_chooser, &CameraChooser::opened, this, &ViewerWindow::onCameraChosen);
     connect(m_chooser, &CameraChooser::backRequested, this, &ViewerWindow::showCameraView);
 
@@ -387,7 +387,7 @@ void ViewerWindow::rebuildWhenSafe()
     m_image->setText(tr("No image"));
     m_counter->setText(tr("Frames: %1").arg(0));
     setWindowTitle(tr("Trigger IO viewer - %1").arg(m_camera->id()));
-    m_chooser->setCurrentCamera(m_camera->id());
+    m_chooser->setCurrentCamera(m_camera->id(), m_camera->serialNumber());
     m_views->setCurrentWidget(m_cameraView);
     setCameraStatus(tr("Camera %1 open").arg(m_camera->id()));
 }
