@@ -311,8 +311,12 @@ void ViewerWindow::checkCamera()
 void ViewerWindow::onCameraFound(std::shared_ptr<GenICamCamera> camera)
 {
     if (m_found && !m_foundAgain)
-        return; // a camera chosen meanwhile goes first
-    m_found = std::move(camera); // one found before and still waiting is closed
+    {
+        letGoInBackground(std::move(camera)); // a camera chosen meanwhile goes first
+        return;
+    }
+    letGoInBackground(std::move(m_found)); // one found before and still waiting
+    m_found = std::move(camera);
     m_foundAgain = true;
     rebuildWhenSafe();
 }
@@ -320,6 +324,7 @@ void ViewerWindow::onCameraFound(std::shared_ptr<GenICamCamera> camera)
 void ViewerWindow::onCameraChosen(std::shared_ptr<GenICamCamera> camera)
 {
     m_finder->stop();
+    letGoInBackground(std::move(m_found)); // found again, or chosen before, and still waiting
     m_found = std::move(camera);
     m_foundAgain = false;
     rebuildWhenSafe();

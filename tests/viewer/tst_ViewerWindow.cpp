@@ -165,7 +165,7 @@ private slots:
             calls();
             const qint64 elapsed = busy.elapsed();
             m_server.resume();
-            QVERIFY2(elapsed < 200, qPrintable(QString::number(elapsed)));
+            QVERIFY2(elapsed < 500, qPrintable(QString::number(elapsed))); // a call that waits: 2.5 s at least
         };
         silent([&] { window.acquireButton()->click(); });
         QTRY_VERIFY_WITH_TIMEOUT(window.isStreaming(), 20000);
