@@ -378,6 +378,8 @@ void ViewerWindow::rebuildWhenSafe()
         old = m_camera->handle();
         m_camera->close();
         letGoInBackground(std::move(old));
+        m_features = m_camera->features(); // none
+        setWindowTitle(tr("Trigger IO viewer"));
         m_chooser->setCurrentCamera(QString());
         showChooser();
         return;
