@@ -301,8 +301,8 @@ v-disabled~viewer~viewer/ViewerWindow.cpp~    m_tabs->setEnabled(false);\n~~the 
 v-result4~viewer~viewer/ViewerWindow.cpp~if (result == 4)~if (result == -4)~a plug-in that does not serve the camera (result 4) is named as a problem
 v-modal~viewer~viewer/ViewerWindow.cpp~QApplication::activeModalWidget() || ~~the pages are rebuilt under an open modal dialog
 v-popup~viewer~viewer/ViewerWindow.cpp~ || QApplication::activePopupWidget()~~the pages are rebuilt under an open popup
-v-current~viewer~viewer/ViewerWindow.cpp~m_tabs->setCurrentIndex(i);~m_tabs->setCurrentIndex(0);~the first page is current after a rebuild
-v-carry~viewer~viewer/ViewerWindow.cpp~buildPages(carried);~buildPages();~the rebuild hands no page's history on
+v-current~viewer~viewer/ViewerWindow.cpp~m_tabs->setCurrentIndex(page);~m_tabs->setCurrentIndex(0);~the first page is current after a rebuild
+v-carry~viewer~viewer/ViewerWindow.cpp~buildPages(carried) == 0~buildPages() == 0~the rebuild hands no page's history on
 v-handover~viewer~iomonitor/IOMonitorWidget.cpp~        m_history->traces.push_back(std::move(row->trace));~        (void)row;~a deleted monitor page offers no traces
 v-settings~viewer~iomonitor/IOMonitorWidget.cpp~    ui->sb_Window->setValue(before->seconds);\n~~the monitor's time window is not taken over
 v-gap~viewer~iomonitor/IOMonitorWidget.cpp~        m_pSampleTimer->stop();\n        markNotSampled();~        m_pSampleTimer->stop();~time not sampled is drawn as the last level held
@@ -352,6 +352,19 @@ pkg-pc-prefix~package~packaging/CMakeLists.txt~set(PC_PREFIX "\${pcfiledir}/${PC
 pkg-plugin-bin~package~plugin/CMakeLists.txt~LIBRARY DESTINATION ${TRIGGERIO_INSTALL_PLUGINDIR} COMPONENT Runtime~LIBRARY DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Runtime~the tab plug-in installed into bin/
 pkg-plugindir-check~package~packaging/TriggerIOConfig.cmake.in~set(TriggerIO_PLUGIN_DIR ~set_and_check(TriggerIO_PLUGIN_DIR ~the CMake package fails where the plug-ins are not installed (triggerio-dev alone)
 pkg-manpage~package~packaging/CMakeLists.txt~install(FILES ${CMAKE_CURRENT_BINARY_DIR}/triggerio-viewer.1.gz\n    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT Runtime)~~the viewer's package without its manual page
+ch-demo~chooser~viewer/CameraChooser.cpp~tr("Demo: %1")~tr("%1")~the demo models are not marked as demos
+ch-serial~chooser~viewer/CameraChooser.cpp~item->setText(SerialColumn, device.serial);~item->setText(SerialColumn, device.id);~the serial number column shows the device id
+ch-last~chooser~viewer/CameraChooser.cpp~            m_entries.move(i, 0);~            ;~the camera opened last is not offered first
+ch-remember~chooser~viewer/CameraChooser.cpp~    rememberOpened(id);\n    fill();~    fill();~the camera opened is not remembered
+ch-periodic~chooser~viewer/CameraChooser.cpp~    refresh();\n    m_refresh.start();~    refresh();~the list is not refreshed while it is shown
+ch-reason~chooser~viewer/CameraChooser.cpp~        m_problems.insert(id, reason);\n        fill();~        fill();~a camera that cannot be opened does not say why
+ch-control~chooser~viewer/CameraDiscovery.cpp~& 0x3) ? Control::Elsewhere~& 0x4) ? Control::Elsewhere~a camera another application controls is shown free
+ch-open-shown~chooser~viewer/ViewerWindow.cpp~    m_views->setCurrentWidget(m_cameraView);\n    setCameraStatus~    setCameraStatus~a camera opened in the chooser is not shown
+ch-page-english~chooser~viewer/ViewerWindow.cpp~            if (QCoreApplication::translate(widget->metaObject()->className(), english.constData()) ==~            if (english ==~--page takes only the title in the language shown
+ch-number~chooser~viewer/main.cpp~    if (ok && *value >= 0)~    if (*value >= 0)~a numeric option that is no number is taken as 0
+gt-start~gui-thread~viewer/CameraStream.cpp~    if (m_wanted)\n    {\n        GenICamCamera::runInBackground(~    if (m_wanted)\n    {\n        std::invoke(~the acquisition starts on the GUI thread
+gt-stop~gui-thread~viewer/CameraStream.cpp~    else\n    {\n        GenICamCamera::runInBackground(~    else\n    {\n        std::invoke(~the acquisition stops on the GUI thread
+gt-trigger~gui-thread~viewer/ViewerWindow.cpp~        m_stream->runCommand(feature);~        feature->RunCommand();~the viewer's software trigger runs on the GUI thread
 LIST
 )
 
@@ -443,7 +456,7 @@ done <<<"$faults"
 cmake --build "$build" -j"$jobs" >/dev/null 2>&1
 echo
 printf '%-12s %6s %7s %7s\n' kind faults caught missed
-for kind in dispatch preset-step literal size alt-order restore row-limit other poller device finder viewer graph monitor package equivalent; do
+for kind in dispatch preset-step literal size alt-order restore row-limit other poller device finder viewer graph monitor package chooser gui-thread equivalent; do
     [ -n "${k_all[$kind]:-}" ] || continue
     printf '%-12s %6d %7d %7d\n' "$kind" "${k_all[$kind]}" "${k_caught[$kind]:-0}" "${k_missed[$kind]:-0}"
 done

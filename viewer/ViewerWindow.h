@@ -10,6 +10,7 @@
 
 #include <memory>
 
+class CameraChooser;
 class CameraFinder;
 class CameraStream;
 class GenICamCamera;
@@ -17,12 +18,21 @@ class PluginHost;
 class QLabel;
 class QLocale;
 class QPushButton;
+class QStackedWidget;
 class QTabWidget;
 class QTimer;
 class TabExtensionInterface;
 
 // The viewer's camera window: a live image with a frame counter and an
 // "Acquire" toggle, and the tab pages that the plug-ins give for the camera.
+// Opened on a camera that is not open, it shows the camera chooser; "Camera >
+// Open..." brings the chooser back, and a camera opened there takes the place
+// of the one shown (its pages built anew, nothing carried over).
+//
+// The GUI thread never waits on the camera for the window's own calls:
+// acquisition start and stop, the stream and the software trigger run in the
+// backend's background (CameraStream), and so does letting go of a camera
+// that another one replaces. What the tab pages call is theirs.
 //
 // A camera that stops answering is shown as lost: the status line says so,
 // the image is gone, the pages are disabled and "Acquire" is off. The window
@@ -48,6 +58,8 @@ class ViewerWindow : public QMainWindow
     Q_OBJECT
 
 public:
+    // camera is the window's for good (a camera chosen later is adopted into
+    // it); one not open yet makes the window open on the chooser.
     ViewerWindow(GenICamCamera* camera, QWidget* parent = nullptr);
     ~ViewerWindow() override;
 
@@ -59,16 +71,28 @@ public:
     int addTabs(const QString& pluginFolder);
     // Why plug-ins were skipped, one line each.
     QStringList problems() const;
+    // Whether any tab plug-in was loaded.
+    bool hasPlugins() const;
+
+    // The page with this title, in English or in the language shown; -1 when none.
+    int pageIndex(const QString& title) const;
+    // Makes the page with this title current once a camera chosen is open.
+    void showPageWhenOpen(const QString& title);
 
     QTabWidget* tabs() const;
     QPushButton* acquireButton() const;
     int frameCount() const;
+    // Whether frames are being received.
+    bool isStreaming() const;
     // Whether the camera is lost (and being looked for).
     bool isCameraLost() const;
+    CameraChooser* chooser() const;
 
 public slots:
     // Runs the camera's "TriggerSoftware" command, as the tab's "SW Trigger" does.
     void triggerSoftware();
+    // Shows the camera chooser in the window.
+    void showChooser();
 
 signals:
     // The host's acquisition state, as the tab plug-ins receive it.
@@ -78,12 +102,18 @@ private slots:
     void onAcquireToggled(bool on);
     void onFrame(const QImage& image, int frameCount);
     void checkCamera();
+    // The camera lost answers again.
     void onCameraFound(std::shared_ptr<GenICamCamera> camera);
+    // A camera opened in the chooser.
+    void onCameraChosen(std::shared_ptr<GenICamCamera> camera);
     // Builds the pages anew on the camera found once no modal dialog or popup is open.
     void rebuildWhenSafe();
 
 private:
     void report(const QString& message);
+    // The host's acquisition state for the plug-ins, told only when it changes.
+    void announceAcquiring(bool acquiring);
+    void showCameraView();
     // The status line, and the same line on standard error.
     void setCameraStatus(const QString& message);
     // One page per plug-in that serves the camera's features; carried holds,
@@ -100,7 +130,13 @@ private:
     CameraFinder* m_finder;
     bool m_lost = false;
     std::shared_ptr<GenICamCamera> m_found; // open, waiting until the pages can be rebuilt
+    bool m_foundAgain = false;              // m_found is the camera lost, not one chosen
+    bool m_announced = false;               // acquiring, as the plug-ins were told
+    QString m_firstPage;                    // made current once a camera chosen is open
     QTimer* m_retry;
+    CameraChooser* m_chooser;
+    QStackedWidget* m_views;
+    QWidget* m_cameraView;
     QTabWidget* m_tabs;
     QLabel* m_image;
     QLabel* m_counter;

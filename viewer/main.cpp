@@ -4,8 +4,9 @@
 //                    [--page TITLE] [--screenshot FILE [--after MS]]
 //
 // ID is an Aravis device id or "fake:FILE.xml" (a GenICam model on the
-// in-process fake device); without one the line-family demo model is opened.
+// in-process fake device); without one the window opens on the camera chooser.
 
+#include "CameraChooser.h"
 #include "GenICamCamera.h"
 #include "ViewerFolders.h"
 #include "ViewerWindow.h"
@@ -49,6 +50,21 @@ bool printsOnly(int argc, char** argv)
     return false;
 }
 
+// A numeric option's value, or the option's default; false when it is no
+// number of milliseconds (what the user gave is said on standard error).
+bool milliseconds(const QCommandLineParser& parser, const QCommandLineOption& option, int* value)
+{
+    if (!parser.isSet(option) && option.defaultValues().isEmpty())
+        return true;
+    bool ok = false;
+    *value = parser.value(option).toInt(&ok);
+    if (ok && *value >= 0)
+        return true;
+    say(stderr, "triggerio-viewer: " + QCoreApplication::translate("main", "--%1 takes a number of milliseconds, not \"%2\"")
+                                          .arg(option.names().first(), parser.value(option)));
+    return false;
+}
+
 // How long a screenshot waits, past --after, for the first frame of a running acquisition.
 const int FrameWaitMs = 10000;
 // The software trigger follows the start of the acquisition after this pause.
@@ -62,6 +78,7 @@ int main(int argc, char** argv)
 {
     std::unique_ptr<QCoreApplication> app(printsOnly(argc, argv) ? new QCoreApplication(argc, argv)
                                                                  : new QApplication(argc, argv));
+    QCoreApplication::setOrganizationName("triggerio"); // the user's settings: the last camera opened
     QCoreApplication::setApplicationName("triggerio-viewer");
     QCoreApplication::setApplicationVersion(TRIGGERIO_VERSION);
     const ViewerFolders folders = ViewerFolders::find(QCoreApplication::applicationDirPath());
@@ -118,27 +135,21 @@ int main(int argc, char** argv)
 
     // Relative paths are the user's; resolve them before moving to the binary's folder.
     QString id = parser.value(cameraOption);
-    if (id.isEmpty())
-        id = "fake:" + cameras + "/line-camera.xml";
-    else if (id.startsWith(GenICamCamera::FakePrefix))
+    if (id.startsWith(GenICamCamera::FakePrefix))
         id = GenICamCamera::FakePrefix + QFileInfo(id.mid(int(qstrlen(GenICamCamera::FakePrefix)))).absoluteFilePath();
     const QString screenshot =
         parser.isSet(screenshotOption) ? QFileInfo(parser.value(screenshotOption)).absoluteFilePath() : QString();
-    bool afterOk = false;
-    const int after = parser.value(afterOption).toInt(&afterOk);
-    if (!afterOk || after < 0)
-    {
-        say(stderr,
-            "triggerio-viewer: " + QCoreApplication::translate("main", "--after takes a number of milliseconds"));
+    int after = 0;
+    int acquireAt = 0;
+    if (!milliseconds(parser, afterOption, &after) || !milliseconds(parser, acquireAfterOption, &acquireAt))
         return 2;
-    }
 
     // The camera and the window end before main() does, and so does every
     // thread the backend started for them.
     const int code = [&]() -> int
     {
         GenICamCamera camera;
-        if (camera.open(id) != OrvErrorSuccess)
+        if (!id.isEmpty() && camera.open(id) != OrvErrorSuccess)
         {
             say(stderr, "triggerio-viewer: " +
                             QCoreApplication::translate("main", "cannot open camera %1: %2").arg(id, camera.errorString()));
@@ -148,8 +159,12 @@ int main(int argc, char** argv)
         // The tab finds its translations under "plugins/", relative to the working folder.
         QDir::setCurrent(folders.working);
 
+        if (!id.isEmpty())
+            CameraChooser::rememberOpened(id);
         ViewerWindow window(&camera);
-        if (window.addTabs(folders.plugins) == 0)
+        window.chooser()->setDemoFolder(cameras);
+        if (camera.isOpen() ? window.addTabs(folders.plugins) == 0
+                            : (window.addTabs(folders.plugins), !window.hasPlugins()))
         {
             say(stderr, "triggerio-viewer: " +
                             (window.problems().isEmpty()
@@ -160,11 +175,11 @@ int main(int argc, char** argv)
         }
         for (const QString& problem : window.problems())
             say(stderr, "triggerio-viewer: " + problem);
-        if (parser.isSet(pageOption))
+        if (parser.isSet(pageOption) && !camera.isOpen())
+            window.showPageWhenOpen(parser.value(pageOption));
+        else if (parser.isSet(pageOption))
         {
-            int page = window.tabs()->count() - 1;
-            while (page >= 0 && window.tabs()->tabText(page) != parser.value(pageOption))
-                --page;
+            const int page = window.pageIndex(parser.value(pageOption));
             if (page < 0)
             {
                 say(stderr, "triggerio-viewer: " +
@@ -176,12 +191,24 @@ int main(int argc, char** argv)
         window.resize(1100, 900);
         window.show();
 
-        const int acquireAt = parser.isSet(acquireAfterOption) ? qMax(0, parser.value(acquireAfterOption).toInt()) : 0;
         const bool acquire = parser.isSet(acquireOption) || parser.isSet(acquireAfterOption);
         if (acquire)
             QTimer::singleShot(acquireAt, window.acquireButton(), &QPushButton::click);
-        if (parser.isSet(triggerOption))
-            QTimer::singleShot(acquire ? acquireAt + TriggerDelayMs : 0, &window, &ViewerWindow::triggerSoftware);
+        // The trigger once the acquisition runs (it starts in the background).
+        if (parser.isSet(triggerOption) && acquire)
+        {
+            auto once = std::make_shared<QMetaObject::Connection>();
+            *once = QObject::connect(&window, &ViewerWindow::acquisitionChanged, &window,
+                                     [&window, once](bool acquiring)
+                                     {
+                                         if (!acquiring)
+                                             return;
+                                         QObject::disconnect(*once);
+                                         QTimer::singleShot(TriggerDelayMs, &window, &ViewerWindow::triggerSoftware);
+                                     });
+        }
+        else if (parser.isSet(triggerOption))
+            QTimer::singleShot(0, &window, &ViewerWindow::triggerSoftware);
 
         QTimer shot;
         int waited = 0;

@@ -141,6 +141,22 @@ QStringList GenICamCamera::deviceIds()
     return ids;
 }
 
+QList<GenICamCamera::DeviceInfo> GenICamCamera::devices()
+{
+    std::lock_guard<std::mutex> lock(aravisGlobalLock());
+    arv_update_device_list();
+    QList<DeviceInfo> devices;
+    auto text = [](const char* value) { return value ? QString::fromUtf8(value).trimmed() : QString(); };
+    for (unsigned int i = 0; i < arv_get_n_devices(); ++i)
+    {
+        if (arv_get_device_id(i))
+            devices.append({text(arv_get_device_id(i)), text(arv_get_device_vendor(i)), text(arv_get_device_model(i)),
+                            text(arv_get_device_serial_nbr(i)), text(arv_get_device_address(i)),
+                            text(arv_get_device_protocol(i))});
+    }
+    return devices;
+}
+
 OrvErrorType GenICamCamera::fail(OrvErrorType code, const QString& message)
 {
     m_error = message;
@@ -336,6 +352,24 @@ void GenICamCamera::adopt(GenICamCamera& other)
     m_error = other.m_error;
     other.close();
     applySettings();
+}
+
+std::shared_ptr<const GenICamCamera> GenICamCamera::handle() const
+{
+    if (!m_device)
+        return nullptr;
+    // Its device is let go of without close(), which would take the lost handler off the device.
+    std::shared_ptr<GenICamCamera> other(new GenICamCamera,
+                                         [](GenICamCamera* camera)
+                                         {
+                                             camera->m_device.reset();
+                                             delete camera;
+                                         });
+    other->m_device = m_device;
+    other->m_features = m_features;
+    other->m_id = m_id;
+    other->m_serial = m_serial;
+    return other;
 }
 
 void GenICamCamera::setLostHandler(std::function<void()> handler)

@@ -37,6 +37,18 @@ public:
 
     // Ids of the devices Aravis finds now (discovery on all interfaces).
     static QStringList deviceIds();
+    // What Aravis's discovery tells of a device, without opening it.
+    struct DeviceInfo
+    {
+        QString id;       // to open it with
+        QString vendor;
+        QString model;
+        QString serial;
+        QString address;  // GigE Vision: its IP address; USB3 Vision: Aravis's bus address
+        QString protocol; // "GigEVision", "USB3Vision", ...
+    };
+    // The devices Aravis finds now, as deviceIds() but with what discovery tells of each.
+    static QList<DeviceInfo> devices();
 
     // Opens a device, closing the one opened before. On failure errorString()
     // tells why: OrvErrorNotFound (unknown id, missing file), OrvErrorInvalidAccess
@@ -97,6 +109,11 @@ public:
     // to read a register back, or to stream). Returns false, without running
     // it, when not open or when the device is lost.
     bool withAravisDevice(const std::function<void(ArvDevice*)>& call) const;
+    // Another handle on the device open now, for calls from a thread of the
+    // host's own (withAravisDevice, isDeviceLost): it keeps that device open
+    // while this object opens, adopts or closes another, and leaves this
+    // camera's lost handler and settings alone. Null when nothing is open.
+    std::shared_ptr<const GenICamCamera> handle() const;
 
 private:
     OrvErrorType fail(OrvErrorType code, const QString& message);

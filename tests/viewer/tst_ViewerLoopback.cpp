@@ -222,7 +222,8 @@ private slots:
                 arv_device_set_integer_feature_value(device, "Height", 64, nullptr);
             });
         QTest::mouseClick(window.acquireButton(), Qt::LeftButton);
-        QTest::qWait(500);
+        QTRY_VERIFY_WITH_TIMEOUT(window.isStreaming(), 10000);
+        QTest::qWait(300);
         QCOMPARE(window.frameCount(), 0);
         for (int press = 1; press <= 3; ++press)
         {

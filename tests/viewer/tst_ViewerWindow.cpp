@@ -1,7 +1,9 @@
 // First: it brings Aravis, which must come before Qt's keywords.
 #include "FakeGigEServer.h"
 
+#include "CameraChooser.h"
 #include "CameraFinder.h"
+#include "CameraStream.h"
 #include "ViewerWindow.h"
 
 #include <QtTest>
@@ -27,10 +29,12 @@ class tst_ViewerWindow : public QObject
     Q_OBJECT
 
     FakeGigEServer m_server;
+    QTemporaryDir m_settings; // the user's settings (the camera opened last), the test's own
 
 private slots:
     void initTestCase()
     {
+        qputenv("XDG_CONFIG_HOME", m_settings.path().toUtf8()); // before the process's first QSettings
         qRegisterMetaType<std::shared_ptr<GenICamCamera>>();
         GenICamCamera camera;
         QString error;
@@ -94,6 +98,7 @@ private slots:
         // The host's acquisition and the camera's state reach the monitor built anew.
         page->findChild<QCheckBox*>("cb_States")->setChecked(true);
         window->acquireButton()->click();
+        QTRY_VERIFY(window->isStreaming());
         QMetaObject::invokeMethod(page->layout()->itemAt(0)->widget(), "sampleNow");
         for (int row : {4, 6})
             QVERIFY(cell(row, 2)->styleSheet().contains("80, 220, 120"));
@@ -115,6 +120,67 @@ private slots:
         ViewerWindow window(levels.get());
         QCOMPARE(window.addTabs(TRIGGERIO_PLUGIN_DIR), 1);
         QCOMPARE(window.problems(), QStringList());
+    }
+
+    // Without a camera the window opens on the chooser: the fake GigE Vision camera is found by its serial number,
+    // free, the demo models below; a double click opens it on the Trigger IO page. Another chooser shown sees it
+    // taken and says in its row why it cannot open it. On a silent link the window's own acquisition start,
+    // stop and software trigger return at once. The camera opened last is offered first.
+    void chooserOpensACamera()
+    {
+        GenICamCamera camera;
+        ViewerWindow window(&camera);
+        CameraChooser* chooser = window.chooser();
+        chooser->setDemoFolder(TRIGGERIO_CAMERAS_DIR);
+        QVERIFY(window.addTabs(TRIGGERIO_PLUGIN_DIR) == 0 && window.hasPlugins());
+        window.show();
+        CameraChooser other; // refreshed while shown: it sees the camera taken
+        other.show();
+        auto row = [](CameraChooser* in, const QString& text, int column = 1)
+        { const auto items = in->list()->findItems(text, Qt::MatchExactly, column); return items.value(0); };
+        const QString serial = m_server.serial();
+        QTRY_VERIFY_WITH_TIMEOUT(row(chooser, serial) && row(chooser, "Demo: syncout-camera", 0) && row(&other, serial),
+                                 10000);
+        QCOMPARE(row(chooser, serial)->text(2) + " " + row(chooser, serial)->text(3), QString("127.0.0.1 Free"));
+        QCOMPARE(chooser->list()->topLevelItemCount(), 4);
+        QVERIFY(chooser->list()->indexOfTopLevelItem(row(chooser, "Demo: line-camera", 0)) == 1);
+        const QRect cell = chooser->list()->visualItemRect(row(chooser, serial));
+        QTest::mouseClick(chooser->list()->viewport(), Qt::LeftButton, {}, cell.center());
+        QTest::mouseDClick(chooser->list()->viewport(), Qt::LeftButton, {}, cell.center());
+        QTRY_VERIFY_WITH_TIMEOUT(camera.isOpen() && window.tabs()->isVisible(), 20000);
+        QCOMPARE(camera.serialNumber() + window.tabs()->tabText(window.tabs()->currentIndex()), serial + "Trigger IO");
+
+        QTRY_COMPARE_WITH_TIMEOUT(row(&other, serial) ? row(&other, serial)->text(3) : QString(),
+                                  QString("Controlled by another application"), 10000);
+        other.openSelected();
+        QTRY_VERIFY_WITH_TIMEOUT(row(&other, serial)->text(3).contains("in use by another program"), 20000);
+
+        const auto* stream = window.findChild<CameraStream*>();
+        auto silent = [&](const std::function<void()>& calls) // how long the calls keep the GUI thread
+        {
+            QTRY_VERIFY_WITH_TIMEOUT(!stream->isBusy(), 20000);
+            m_server.pause();
+            QElapsedTimer busy;
+            busy.start();
+            calls();
+            const qint64 elapsed = busy.elapsed();
+            m_server.resume();
+            QVERIFY2(elapsed < 500, qPrintable(QString::number(elapsed))); // a call that waits: 2.5 s at least
+        };
+        silent([&] { window.acquireButton()->click(); });
+        QTRY_VERIFY_WITH_TIMEOUT(window.isStreaming(), 20000);
+        silent([&] { window.triggerSoftware(); window.acquireButton()->click(); });
+        QTRY_VERIFY_WITH_TIMEOUT(!stream->isBusy() && !window.isStreaming() && !camera.isDeviceLost(), 20000);
+
+        window.findChild<QMenu*>()->actions().first()->trigger(); // Camera > Open...
+        QVERIFY(chooser->isVisible() && !window.tabs()->isVisible());
+        chooser->open(row(chooser, "Demo: routing-camera", 0)->data(0, Qt::UserRole).toString());
+        QTRY_VERIFY(camera.id().endsWith("routing-camera.xml") && window.tabs()->count() == 2);
+        CameraChooser next;
+        next.setDemoFolder(TRIGGERIO_CAMERAS_DIR);
+        next.show();
+        QTRY_COMPARE_WITH_TIMEOUT(next.list()->topLevelItemCount(), 4, 10000);
+        QCOMPARE(next.list()->topLevelItem(0)->text(0), QString("Demo: routing-camera"));
     }
 
     // Another camera answering at the address is not taken, and the search

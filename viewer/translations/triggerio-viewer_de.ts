@@ -2,6 +2,69 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de_DE">
 <context>
+    <name>CameraChooser</name>
+    <message>
+        <source>Choose a camera: double click it, or select it and press Open.</source>
+        <translation>Wählen Sie eine Kamera: Doppelklick, oder auswählen und „Öffnen“ drücken.</translation>
+    </message>
+    <message>
+        <source>Camera</source>
+        <translation>Kamera</translation>
+    </message>
+    <message>
+        <source>Serial number</source>
+        <translation>Seriennummer</translation>
+    </message>
+    <message>
+        <source>Address</source>
+        <translation>Adresse</translation>
+    </message>
+    <message>
+        <source>Status</source>
+        <translation>Status</translation>
+    </message>
+    <message>
+        <source>Refresh</source>
+        <translation>Aktualisieren</translation>
+    </message>
+    <message>
+        <source>Back to the camera</source>
+        <translation>Zurück zur Kamera</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Öffnen</translation>
+    </message>
+    <message>
+        <source>Looking for cameras...</source>
+        <translation>Suche nach Kameras...</translation>
+    </message>
+    <message>
+        <source>Opening...</source>
+        <translation>Wird geöffnet...</translation>
+    </message>
+    <message>
+        <source>Open in this window</source>
+        <translation>In diesem Fenster geöffnet</translation>
+    </message>
+    <message>
+        <source>Free</source>
+        <translation>Frei</translation>
+    </message>
+    <message>
+        <source>Controlled by another application</source>
+        <translation>Von einer anderen Anwendung gesteuert</translation>
+    </message>
+    <message>
+        <source>Not known whether in use</source>
+        <translation>Belegung unbekannt</translation>
+    </message>
+    <message>
+        <source>Demo: %1</source>
+        <translation>Demo: %1</translation>
+    </message>
+</context>
+<context>
     <name>PluginHost</name>
     <message>
         <source>Plug-in folder %1 does not exist</source>
@@ -90,6 +153,30 @@
         <source>Camera %1 answers again: the pages are built anew once the dialog or menu is closed</source>
         <translation>Kamera %1 antwortet wieder: die Seiten werden neu aufgebaut, sobald der Dialog oder das Menü geschlossen ist</translation>
     </message>
+    <message>
+        <source>Trigger IO viewer</source>
+        <translation>Trigger-IO-Viewer</translation>
+    </message>
+    <message>
+        <source>&amp;Camera</source>
+        <translation>&amp;Kamera</translation>
+    </message>
+    <message>
+        <source>&amp;Open...</source>
+        <translation>Ö&amp;ffnen...</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>&amp;Beenden</translation>
+    </message>
+    <message>
+        <source>No tab for this camera</source>
+        <translation>Kein Tab für diese Kamera</translation>
+    </message>
+    <message>
+        <source>Starting the acquisition</source>
+        <translation>Aufnahme wird gestartet</translation>
+    </message>
 </context>
 <context>
     <name>main</name>
@@ -124,10 +211,6 @@
     <message>
         <source>--help, --version and --list take no other options</source>
         <translation>--help, --version und --list nehmen keine weiteren Optionen</translation>
-    </message>
-    <message>
-        <source>--after takes a number of milliseconds</source>
-        <translation>--after erwartet eine Zahl von Millisekunden</translation>
     </message>
     <message>
         <source>cannot open camera %1: %2</source>
@@ -168,6 +251,10 @@
     <message>
         <source>not waiting for a lost camera&apos;s calls to time out</source>
         <translation>warte nicht, bis die Aufrufe an eine verlorene Kamera ablaufen</translation>
+    </message>
+    <message>
+        <source>--%1 takes a number of milliseconds, not &quot;%2&quot;</source>
+        <translation>--%1 erwartet eine Anzahl Millisekunden, nicht „%2“</translation>
     </message>
 </context>
 </TS>
