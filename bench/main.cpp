@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <ctime>
 #include <functional>
 #include <memory>
 
@@ -44,6 +45,7 @@ QTextStream out(stdout);
 struct Sample
 {
     double ms = 0.0;
+    double cpuMs = 0.0; // the GUI thread's own CPU time
     GvcpLink::Counts packets;
     long distinctReads = 0; // different registers among the GUI thread's reads
     QString note;
@@ -56,10 +58,14 @@ Sample measure(const std::function<void()>& step)
     const GvcpLink::Counts before = GvcpLink::counts();
     GvcpLink::forgetGuiReads();
     QElapsedTimer timer;
+    timespec cpuBefore{}, cpuAfter{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &cpuBefore);
     timer.start();
     step();
     Sample sample;
     sample.ms = double(timer.nsecsElapsed()) / 1e6;
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &cpuAfter);
+    sample.cpuMs = double(cpuAfter.tv_sec - cpuBefore.tv_sec) * 1e3 + double(cpuAfter.tv_nsec - cpuBefore.tv_nsec) / 1e6;
     sample.packets = GvcpLink::counts() - before;
     sample.distinctReads = GvcpLink::distinctGuiReads();
     return sample;
@@ -550,16 +556,15 @@ QString summary(QVector<Sample> samples)
     const Sample& worst = samples.last();
     auto packets = [](const Sample& s)
     { return QStringLiteral("%1 r + %2 w").arg(s.packets.gui - s.packets.guiWrites).arg(s.packets.guiWrites); };
-    if (samples.size() == 1)
-        return QStringLiteral("%1 ms, %2").arg(number(median.ms, 0), packets(median));
-    return QStringLiteral("%1 / %2 ms, %3 / %4")
-        .arg(number(median.ms, 0), number(worst.ms, 0), packets(median), packets(worst));
+    return QStringLiteral("%1 / %2 ms (CPU %3), %4 / %5")
+        .arg(number(median.ms, 0), number(worst.ms, 0), number(median.cpuMs, 0), packets(median), packets(worst));
 }
 
 void runFigures(const QStringList& models, int seeds)
 {
     out << "\n## Through an emulated link: 1.5 ms round trip; 0% and 1% loss, " << seeds
-        << " runs each (median / worst); GUI-thread time and packets (reads r, writes w)\n";
+        << " runs each: GUI-thread time, median / worst (its own CPU time, median), and its packets, reads r "
+           "and writes w, in the median / worst run\n";
     for (const QString& model : models)
     {
         const QString path = QStringLiteral(TRIGGERIO_CAMERAS_DIR) + "/" + model;

@@ -336,6 +336,13 @@ m-vcd-origin~monitor~iomonitor/VcdWriter.cpp~QByteArray::number(it.key() - fromM
 m-vcd-stamp~monitor~iomonitor/VcdWriter.cpp~        out += '#' + QByteArray::number(it.key() - fromMs)~        if (std::all_of(it.value().cbegin(), it.value().cend(),\n                        [&](const QPair<int, int>& c) { return last.at(c.first) == c.second; }))\n            continue;\n        out += '#' + QByteArray::number(it.key() - fromMs)~a sample that changes no level gets no time stamp
 m-walk-restore~monitor~iomonitor/SelectorWalk.cpp~    if (current != savedEntry && selector->SetValue(saved.c_str()) != OrvErrorSuccess &&~    if (current != savedEntry && selector->SetValue(current.toStdString().c_str()) != OrvErrorSuccess &&~the walk "restores" the selector to the last entry it read
 m-walk-first~monitor~iomonitor/SelectorWalk.cpp~    const int first = entries.indexOf(savedEntry);~    const int first = -1;~the entry the selector stands on is written and read in turn like the others
+c-keep-written~cache~orvcpp/genicam/RegisterCache.cpp~    // Also when it failed: the camera may have taken part of it.\n    invalidate(address, size);~    // Also when it failed: the camera may have taken part of it.~a register is kept across a write to it (a selector read back stale after its write)
+c-selected~cache~orvcpp/genicam/GenICamFeature.cpp~                                                          ARV_GC_PROPERTY_NODE_TYPE_P_SELECTED)~                                                          ARV_GC_PROPERTY_NODE_TYPE_P_INVALIDATOR)~what a written selector selects (pSelected) is kept
+c-invalidator~cache~orvcpp/genicam/GenICamFeature.cpp~            std::vector<ArvDomNode*> changed = m_device->invalidatedBy(written);~            std::vector<ArvDomNode*> changed;~what names the written feature as pInvalidator is kept
+c-volatile~cache~orvcpp/genicam/GenICamFeature.cpp~m_device->cache().setReader(&m_name, m_uncached || m_type == OrvFeatureDataCommand);~m_device->cache().setReader(&m_name, m_type == OrvFeatureDataCommand);~a NoCache register is kept within a burst
+c-burst-end~cache~orvcpp/genicam/RegisterCache.cpp~    if (!m_guiBurst || generation != m_generation)~    if (!m_guiBurst || generation == m_generation)~the GUI thread's burst does not end when its event loop runs
+c-exclusive~cache~orvcpp/genicam/RegisterCache.cpp~    if (m_owner.load() != self)\n    {\n        m_released.wait(lock~    if (false)\n    {\n        m_released.wait(lock~the GUI thread's calls do not wait for another thread's bracket
+c-elide~cache~orvcpp/genicam/RegisterCache.cpp~                                                std::equal(entry.bytes.begin(), entry.bytes.end(), bytes); });~                                                true; });~a write of another value than the one kept is not sent either
 LIST
 )
 
@@ -418,7 +425,7 @@ done <<<"$faults"
 cmake --build "$build" -j"$jobs" >/dev/null 2>&1
 echo
 printf '%-12s %6s %7s %7s\n' kind faults caught missed
-for kind in dispatch preset-step literal size alt-order restore row-limit other poller device finder viewer graph monitor equivalent; do
+for kind in dispatch preset-step literal size alt-order restore row-limit other poller device finder viewer graph monitor cache equivalent; do
     [ -n "${k_all[$kind]:-}" ] || continue
     printf '%-12s %6d %7d %7d\n' "$kind" "${k_all[$kind]}" "${k_caught[$kind]:-0}" "${k_missed[$kind]:-0}"
 done

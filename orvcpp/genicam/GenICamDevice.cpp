@@ -365,32 +365,62 @@ const std::set<ArvDomNode*>& GenICamDevice::volatileRegisters()
     return *m_volatileRegisters;
 }
 
-const std::vector<ArvDomNode*>& GenICamDevice::invalidatedBy(ArvDomNode* node)
+void GenICamDevice::indexDescription()
 {
-    if (!m_invalidatedBy)
+    m_invalidatedBy.reset(new std::unordered_map<ArvDomNode*, std::vector<ArvDomNode*>>);
+    std::set<ArvDomNode*> selectors;
+    // Every element of the description, without recursion.
+    std::vector<ArvDomNode*> pending;
+    if (m_genicam)
+        pending.push_back(ARV_DOM_NODE(arv_dom_document_get_document_element(ARV_DOM_DOCUMENT(m_genicam))));
+    while (!pending.empty())
     {
-        m_invalidatedBy.reset(new std::unordered_map<ArvDomNode*, std::vector<ArvDomNode*>>);
-        // Every element of the description, without recursion.
-        std::vector<ArvDomNode*> pending;
-        if (m_genicam)
-            pending.push_back(ARV_DOM_NODE(arv_dom_document_get_document_element(ARV_DOM_DOCUMENT(m_genicam))));
-        while (!pending.empty())
+        ArvDomNode* element = pending.back();
+        pending.pop_back();
+        for (ArvDomNode* child = arv_dom_node_get_first_child(element); child;
+             child = arv_dom_node_get_next_sibling(child))
         {
-            ArvDomNode* element = pending.back();
-            pending.pop_back();
-            for (ArvDomNode* child = arv_dom_node_get_first_child(element); child;
-                 child = arv_dom_node_get_next_sibling(child))
+            if (!ARV_IS_GC_PROPERTY_NODE(child))
             {
-                if (!ARV_IS_GC_PROPERTY_NODE(child))
-                    pending.push_back(child);
-                else if (arv_gc_property_node_get_node_type(ARV_GC_PROPERTY_NODE(child)) ==
-                         ARV_GC_PROPERTY_NODE_TYPE_P_INVALIDATOR)
-                    (*m_invalidatedBy)[ARV_DOM_NODE(arv_gc_property_node_get_linked_node(ARV_GC_PROPERTY_NODE(child)))]
-                        .push_back(element);
+                pending.push_back(child);
+                continue;
+            }
+            auto* property = ARV_GC_PROPERTY_NODE(child);
+            switch (arv_gc_property_node_get_node_type(property))
+            {
+            case ARV_GC_PROPERTY_NODE_TYPE_P_INVALIDATOR:
+                (*m_invalidatedBy)[ARV_DOM_NODE(arv_gc_property_node_get_linked_node(property))].push_back(element);
+                break;
+            case ARV_GC_PROPERTY_NODE_TYPE_P_SELECTED:
+                selectors.insert(element);
+                break;
+            case ARV_GC_PROPERTY_NODE_TYPE_P_INDEX:
+            case ARV_GC_PROPERTY_NODE_TYPE_P_ADDRESS:
+                selectors.insert(ARV_DOM_NODE(arv_gc_property_node_get_linked_node(property)));
+                break;
+            default:
+                break;
             }
         }
     }
+    for (ArvDomNode* selector : selectors)
+        for (ArvDomNode* below : valueNodes(selector))
+            if (ARV_IS_GC_REGISTER_NODE(below))
+                m_selectorRegisters.insert(below);
+}
+
+const std::vector<ArvDomNode*>& GenICamDevice::invalidatedBy(ArvDomNode* node)
+{
+    if (!m_invalidatedBy)
+        indexDescription();
     static const std::vector<ArvDomNode*> none;
     const auto found = m_invalidatedBy->find(node);
     return found == m_invalidatedBy->end() ? none : found->second;
+}
+
+const std::set<ArvDomNode*>& GenICamDevice::selectorRegisters()
+{
+    if (!m_invalidatedBy)
+        indexDescription();
+    return m_selectorRegisters;
 }

@@ -120,6 +120,9 @@ public:
     const std::set<ArvDomNode*>& volatileRegisters();
     // The nodes whose pInvalidator names node. Expects lock() held.
     const std::vector<ArvDomNode*>& invalidatedBy(ArvDomNode* node);
+    // The register nodes that hold a selector's value: below a node that has
+    // a pSelected or that a pIndex or pAddress names. Expects lock() held.
+    const std::set<ArvDomNode*>& selectorRegisters();
     // node and the nodes its value is taken from or written to (pValue,
     // pVariable and their kin, a structure entry's structure), depth first.
     static std::vector<ArvDomNode*> valueNodes(ArvDomNode* node);
@@ -161,7 +164,9 @@ private:
     std::unique_ptr<std::set<std::string>> m_volatileNodes;
     std::unordered_map<ArvDomNode*, std::vector<ArvDomNode*>> m_structureProperties;
     std::unique_ptr<std::set<ArvDomNode*>> m_volatileRegisters;
+    void indexDescription();
     std::unique_ptr<std::unordered_map<ArvDomNode*, std::vector<ArvDomNode*>>> m_invalidatedBy;
+    std::set<ArvDomNode*> m_selectorRegisters;
 };
 
 #endif

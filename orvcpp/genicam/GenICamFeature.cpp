@@ -138,9 +138,11 @@ template <typename Call> OrvErrorType GenICamFeature::withDevice(Call call)
     }
     if (!m_dependenciesKnown)
         findDependencies();
-    m_device->cache().setReader(&m_name, m_uncached);
+    // A command's write always goes to the camera, as do all accesses of a
+    // feature with a volatile register below it.
+    m_device->cache().setReader(&m_name, m_uncached || m_type == OrvFeatureDataCommand, m_selector);
     const OrvErrorType code = call();
-    m_device->cache().setReader(nullptr, false);
+    m_device->cache().setReader(nullptr, false, false);
     m_device->letGoIfLost(); // lost during this call
     return code;
 }
@@ -809,6 +811,9 @@ void GenICamFeature::findDependencies()
     const std::set<ArvDomNode*>& volatileRegisters = m_device->volatileRegisters();
     m_uncached = m_volatile || std::any_of(m_registers.begin(), m_registers.end(), [&](const void* node)
                                            { return volatileRegisters.count(static_cast<ArvDomNode*>(const_cast<void*>(node))) > 0; });
+    const std::set<ArvDomNode*>& selectorRegisters = m_device->selectorRegisters();
+    for (ArvDomNode* node : GenICamDevice::valueNodes(ARV_DOM_NODE(m_node)))
+        m_selector = m_selector || selectorRegisters.count(node) > 0;
     m_dependenciesKnown = true;
 }
 

@@ -36,7 +36,10 @@ typedef struct _ArvGcNode ArvGcNode;
 // below every feature that the written one (or a node its value goes to)
 // selects (pSelected) or that names one of them as pInvalidator. Values
 // computed from registers (formulas, converters) are computed anew at every
-// read from what is kept. After a command everything is read again. A feature
+// read from what is kept. A selector's register (what a pIndex or pAddress
+// names, or a feature with pSelected) keeps the value written to it: the
+// camera takes a selector's entry as written, and a walk over the lines then
+// reads no selector back. After a command everything is read again. A feature
 // with a volatile register below it (IsVolatile, Cachable NoCache, a
 // PollingTime) reads every register from the camera.
 //
@@ -144,6 +147,7 @@ private:
     std::vector<ArvGcNode*> m_selectorNodes;
     std::vector<const void*> m_registers;
     bool m_uncached = true; // a volatile register below it
+    bool m_selector = false; // its value is a selector's register
     // The register nodes a write of this feature may change, beside its own;
     // found at the first write.
     bool m_invalidatesKnown = false;

@@ -83,10 +83,11 @@ void RegisterCache::setDevice(ArvDevice* device)
     clear();
 }
 
-void RegisterCache::setReader(const std::string* name, bool bypass)
+void RegisterCache::setReader(const std::string* name, bool bypass, bool keepWrites)
 {
     m_reader = name;
     m_bypass = bypass;
+    m_keepWrites = keepWrites;
 }
 
 bool RegisterCache::cachesForThisThread() const
@@ -221,6 +222,27 @@ bool RegisterCache::read(uint64_t address, uint32_t size, void* buffer, bool asR
 
 bool RegisterCache::write(uint64_t address, uint32_t size, const void* buffer, bool asRegister, GError** error)
 {
+    // A write of what the register is known to hold within this burst does
+    // not go over the link (a selector put back where it was): the camera
+    // has it already. Verify mode reads it to make sure.
+    if (cachesForThisThread())
+    {
+        std::unique_lock<std::mutex> lock(m_entriesLock);
+        const auto* bytes = static_cast<const unsigned char*>(buffer);
+        const auto kept = std::find_if(m_entries.begin(), m_entries.end(), [&](const Entry& entry)
+                                       { return entry.address == address && entry.size == size &&
+                                                entry.asRegister == asRegister &&
+                                                std::equal(entry.bytes.begin(), entry.bytes.end(), bytes); });
+        if (kept != m_entries.end())
+        {
+            lock.unlock();
+            std::vector<unsigned char> camera(size);
+            if (m_mode != Mode::Verify || (readDevice(address, size, camera.data(), asRegister, nullptr) &&
+                                           std::equal(camera.begin(), camera.end(), bytes)))
+                return true;
+            report({address, size, asRegister, std::vector<unsigned char>(bytes, bytes + size)}, camera.data());
+        }
+    }
     bool written = false;
     if (!m_device)
         g_set_error(error, ARV_DEVICE_ERROR, ARV_DEVICE_ERROR_NOT_CONNECTED, "The device has been let go of");
@@ -230,6 +252,12 @@ bool RegisterCache::write(uint64_t address, uint32_t size, const void* buffer, b
         written = arv_device_write_memory(m_device, address, size, const_cast<void*>(buffer), error);
     // Also when it failed: the camera may have taken part of it.
     invalidate(address, size);
+    if (written && m_keepWrites && cachesForThisThread())
+    {
+        const auto* bytes = static_cast<const unsigned char*>(buffer);
+        std::lock_guard<std::mutex> lock(m_entriesLock);
+        m_entries.push_back({address, size, asRegister, std::vector<unsigned char>(bytes, bytes + size)});
+    }
     return written;
 }
 

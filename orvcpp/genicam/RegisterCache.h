@@ -25,7 +25,8 @@ typedef struct _GError GError;
 // Within its burst a thread reads each register from the camera at most
 // once. Any other thread's reads go to the camera and are not kept (the
 // change poller's looks), and nothing is kept from one burst to the next.
-// What a write can change is dropped: every write drops the bytes it wrote,
+// A write of what the burst knows the register to hold is not sent (a
+// selector walk's restore). What a write can change is dropped: every write drops the bytes it wrote,
 // whatever thread made it; GenICamFeature drops what the description says a
 // written feature selects or invalidates, and everything after a command or a
 // call straight to the Aravis device.
@@ -86,8 +87,10 @@ public:
 
     // For the calls that follow, until set again (device lock held): the name
     // of the feature that reads (named in verify mode's reports), and whether
-    // its reads must bypass the cache (a volatile register below it).
-    void setReader(const std::string* name, bool bypass);
+    // its accesses must bypass the cache (a volatile register below it, a
+    // command: every write is sent), and whether what it writes is kept as
+    // the register's value (a selector's register).
+    void setReader(const std::string* name, bool bypass, bool keepWrites);
 
 private:
     struct Entry
@@ -111,6 +114,7 @@ private:
     std::vector<Entry> m_entries;
     const std::string* m_reader = nullptr;
     bool m_bypass = false;
+    bool m_keepWrites = false;
 
     // Who holds the device: its thread, its brackets, and whether the GUI
     // thread's burst holds it; generation tells bursts apart for the queued
