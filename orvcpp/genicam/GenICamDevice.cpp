@@ -328,8 +328,11 @@ std::vector<ArvDomNode*> GenICamDevice::valueNodes(ArvDomNode* node)
         if (!next || ARV_IS_GC_PORT(next) || !visited.insert(next).second)
             continue;
         found.push_back(next);
-        if (ARV_IS_GC_STRUCT_ENTRY_NODE(next))
-            pending.push_back(arv_dom_node_get_parent_node(next));
+        // A structure entry's register is its structure, whose other
+        // children (its entries, maybe thousands) are no value of its own.
+        ArvDomNode* structure = ARV_IS_GC_STRUCT_ENTRY_NODE(next) ? arv_dom_node_get_parent_node(next) : nullptr;
+        if (structure && visited.insert(structure).second)
+            found.push_back(structure);
         for (ArvDomNode* child = arv_dom_node_get_first_child(next); child; child = arv_dom_node_get_next_sibling(child))
         {
             if (!ARV_IS_GC_PROPERTY_NODE(child))

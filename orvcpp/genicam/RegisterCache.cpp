@@ -187,22 +187,19 @@ bool RegisterCache::read(uint64_t address, uint32_t size, void* buffer, bool asR
         return read;
     }
     std::unique_lock<std::mutex> lock(m_entriesLock);
-    const auto kept = std::find_if(m_entries.begin(), m_entries.end(), [&](const Entry& entry)
-                                   { return entry.address == address && entry.size == size && entry.asRegister == asRegister; });
+    const auto kept = m_entries.find(Key(address, size, asRegister));
     if (kept == m_entries.end())
     {
         lock.unlock();
         if (!readDevice(address, size, buffer, asRegister, error))
             return false;
-        const auto* bytes = static_cast<const unsigned char*>(buffer);
-        lock.lock();
-        m_entries.push_back({address, size, asRegister, std::vector<unsigned char>(bytes, bytes + size)});
+        keep(address, size, asRegister, buffer);
         return true;
     }
-    std::memcpy(buffer, kept->bytes.data(), size);
+    std::memcpy(buffer, kept->second.data(), size);
     if (m_mode != Mode::Verify)
         return true;
-    const Entry entry = *kept;
+    const Entry entry{address, size, asRegister, kept->second};
     lock.unlock();
     std::vector<unsigned char> camera(size);
     GError* verifyError = nullptr;
@@ -220,6 +217,14 @@ bool RegisterCache::read(uint64_t address, uint32_t size, void* buffer, bool asR
     return true;
 }
 
+void RegisterCache::keep(uint64_t address, uint32_t size, bool asRegister, const void* bytes)
+{
+    const auto* first = static_cast<const unsigned char*>(bytes);
+    std::lock_guard<std::mutex> lock(m_entriesLock);
+    m_entries[Key(address, size, asRegister)].assign(first, first + size);
+    m_largest = std::max(m_largest, size);
+}
+
 bool RegisterCache::write(uint64_t address, uint32_t size, const void* buffer, bool asRegister, GError** error)
 {
     // A write of what the register is known to hold within this burst does
@@ -229,11 +234,8 @@ bool RegisterCache::write(uint64_t address, uint32_t size, const void* buffer, b
     {
         std::unique_lock<std::mutex> lock(m_entriesLock);
         const auto* bytes = static_cast<const unsigned char*>(buffer);
-        const auto kept = std::find_if(m_entries.begin(), m_entries.end(), [&](const Entry& entry)
-                                       { return entry.address == address && entry.size == size &&
-                                                entry.asRegister == asRegister &&
-                                                std::equal(entry.bytes.begin(), entry.bytes.end(), bytes); });
-        if (kept != m_entries.end())
+        const auto kept = m_entries.find(Key(address, size, asRegister));
+        if (kept != m_entries.end() && std::equal(kept->second.begin(), kept->second.end(), bytes))
         {
             lock.unlock();
             std::vector<unsigned char> camera(size);
@@ -253,21 +255,20 @@ bool RegisterCache::write(uint64_t address, uint32_t size, const void* buffer, b
     // Also when it failed: the camera may have taken part of it.
     invalidate(address, size);
     if (written && m_keepWrites && cachesForThisThread())
-    {
-        const auto* bytes = static_cast<const unsigned char*>(buffer);
-        std::lock_guard<std::mutex> lock(m_entriesLock);
-        m_entries.push_back({address, size, asRegister, std::vector<unsigned char>(bytes, bytes + size)});
-    }
+        keep(address, size, asRegister, buffer);
     return written;
 }
 
 void RegisterCache::invalidate(uint64_t address, uint64_t size)
 {
     std::lock_guard<std::mutex> lock(m_entriesLock);
-    m_entries.erase(std::remove_if(m_entries.begin(), m_entries.end(),
-                                   [&](const Entry& entry)
-                                   { return entry.address < address + size && address < entry.address + entry.size; }),
-                    m_entries.end());
+    // Only entries that start less than the largest size before it can overlap.
+    auto entry = m_entries.lower_bound(Key(address > m_largest ? address - m_largest : 0, 0, false));
+    while (entry != m_entries.end() && std::get<0>(entry->first) < address + size)
+    {
+        const uint64_t start = std::get<0>(entry->first);
+        entry = address < start + std::get<1>(entry->first) ? m_entries.erase(entry) : std::next(entry);
+    }
 }
 
 void RegisterCache::clear()

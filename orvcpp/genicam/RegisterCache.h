@@ -5,9 +5,11 @@
 #include <condition_variable>
 #include <cstdint>
 #include <memory>
+#include <map>
 #include <mutex>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 typedef struct _ArvDevice ArvDevice;
@@ -100,18 +102,21 @@ private:
         bool asRegister;
         std::vector<unsigned char> bytes;
     };
+    using Key = std::tuple<uint64_t, uint32_t, bool>; // address, size, asRegister
 
     bool cachesForThisThread() const;
     void endGuiBurst(unsigned generation);
     bool readDevice(uint64_t address, uint32_t size, void* buffer, bool asRegister, GError** error);
     void report(const Entry& entry, const void* camera);
+    void keep(uint64_t address, uint32_t size, bool asRegister, const void* bytes);
     void release(std::unique_lock<std::mutex>& lock);
 
     Mode m_mode;
     ArvDevice* m_device;
 
     std::mutex m_entriesLock;
-    std::vector<Entry> m_entries;
+    std::map<Key, std::vector<unsigned char>> m_entries;
+    uint32_t m_largest = 0; // the largest size kept
     const std::string* m_reader = nullptr;
     bool m_bypass = false;
     bool m_keepWrites = false;
