@@ -443,6 +443,13 @@ private slots:
         QCOMPARE(readAgain([] {}), QStringList{"Volatile"});
         QCOMPARE(readAgain([&] { featureNamed(features, "Selector")->SetValue(1LL); }),
                  QStringList({"Muxed", "Marked", "Volatile"}));
+        QCOMPARE(readAgain( // the camera may keep something else than what was written
+                     [&]
+                     {
+                         featureNamed(features, "Plain")->SetValue(1LL);
+                         arv_fake_camera_write_register(fake, 0x2010, 0x2017);
+                     }),
+                 QStringList({"Volatile", "Plain"}));
         QCOMPARE(readAgain([] { QCoreApplication::processEvents(); }),
                  QStringList({"Muxed", "Marked", "Volatile", "Plain"}));
         cache.setMode(RegisterCache::Mode::Verify);
