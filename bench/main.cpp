@@ -65,7 +65,8 @@ Sample measure(const std::function<void()>& step)
     Sample sample;
     sample.ms = double(timer.nsecsElapsed()) / 1e6;
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &cpuAfter);
-    sample.cpuMs = double(cpuAfter.tv_sec - cpuBefore.tv_sec) * 1e3 + double(cpuAfter.tv_nsec - cpuBefore.tv_nsec) / 1e6;
+    sample.cpuMs =
+        double(cpuAfter.tv_sec - cpuBefore.tv_sec) * 1e3 + double(cpuAfter.tv_nsec - cpuBefore.tv_nsec) / 1e6;
     sample.packets = GvcpLink::counts() - before;
     sample.distinctReads = GvcpLink::distinctGuiReads();
     return sample;
@@ -530,9 +531,9 @@ QVector<Row> figureRun()
     runEvents(200);
     QComboBox* activation = tab->m_pComboTriggerActivation;
     if (activation && activation->isEnabled() && activation->count() > 1)
-        rows.append({"an edit (trigger activation)", measure([&] {
-                         activation->setCurrentIndex((activation->currentIndex() + 1) % activation->count());
-                     })});
+        rows.append(
+            {"an edit (trigger activation)",
+             measure([&] { activation->setCurrentIndex((activation->currentIndex() + 1) % activation->count()); })});
     const QVector<QPair<QString, void (IOTriggerWidget::*)()>> presets{{"preset Edge", &IOTriggerWidget::OnEdgeMode},
                                                                        {"preset Level", &IOTriggerWidget::OnLevelMode},
                                                                        {"preset Bulk", &IOTriggerWidget::OnBulkMode}};

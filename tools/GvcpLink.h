@@ -42,8 +42,7 @@ public:
         }
         Counts operator-(const Counts& before) const
         {
-            return {gui - before.gui, heartbeat - before.heartbeat, other - before.other,
-                    guiWrites - before.guiWrites};
+            return {gui - before.gui, heartbeat - before.heartbeat, other - before.other, guiWrites - before.guiWrites};
         }
     };
 

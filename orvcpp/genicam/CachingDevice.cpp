@@ -153,10 +153,9 @@ ArvDevice* CachingDevice::create(ArvDevice* camera, RegisterCache* cache)
     {
         auto* description = ARV_GC_REGISTER_DESCRIPTION_NODE(
             arv_dom_document_get_document_element(ARV_DOM_DOCUMENT(arv_device_get_genicam(camera))));
-        self->legacyRegisters =
-            arv_gc_register_description_node_compare_schema_version(description, 1, 1, 0) < 0 ||
-            legacyModel(arv_gc_register_description_node_get_vendor_name(description),
-                        arv_gc_register_description_node_get_model_name(description));
+        self->legacyRegisters = arv_gc_register_description_node_compare_schema_version(description, 1, 1, 0) < 0 ||
+                                legacyModel(arv_gc_register_description_node_get_vendor_name(description),
+                                            arv_gc_register_description_node_get_model_name(description));
     }
     return device;
 }

@@ -333,7 +333,8 @@ std::vector<ArvDomNode*> GenICamDevice::valueNodes(ArvDomNode* node)
         ArvDomNode* structure = ARV_IS_GC_STRUCT_ENTRY_NODE(next) ? arv_dom_node_get_parent_node(next) : nullptr;
         if (structure && visited.insert(structure).second)
             found.push_back(structure);
-        for (ArvDomNode* child = arv_dom_node_get_first_child(next); child; child = arv_dom_node_get_next_sibling(child))
+        for (ArvDomNode* child = arv_dom_node_get_first_child(next); child;
+             child = arv_dom_node_get_next_sibling(child))
         {
             if (!ARV_IS_GC_PROPERTY_NODE(child))
                 continue;

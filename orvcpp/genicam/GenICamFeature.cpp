@@ -809,8 +809,11 @@ void GenICamFeature::findDependencies()
     }
     std::sort(m_registers.begin(), m_registers.end());
     const std::set<ArvDomNode*>& volatileRegisters = m_device->volatileRegisters();
-    m_uncached = m_volatile || std::any_of(m_registers.begin(), m_registers.end(), [&](const void* node)
-                                           { return volatileRegisters.count(static_cast<ArvDomNode*>(const_cast<void*>(node))) > 0; });
+    m_uncached = m_volatile ||
+                 std::any_of(m_registers.begin(), m_registers.end(),
+                             [&](const void* node) {
+                                 return volatileRegisters.count(static_cast<ArvDomNode*>(const_cast<void*>(node))) > 0;
+                             });
     const std::set<ArvDomNode*>& selectorRegisters = m_device->selectorRegisters();
     for (ArvDomNode* node : GenICamDevice::valueNodes(ARV_DOM_NODE(m_node)))
         m_selector = m_selector || selectorRegisters.count(node) > 0;

@@ -146,7 +146,7 @@ private:
     bool m_volatile = true;
     std::vector<ArvGcNode*> m_selectorNodes;
     std::vector<const void*> m_registers;
-    bool m_uncached = true; // a volatile register below it
+    bool m_uncached = true;  // a volatile register below it
     bool m_selector = false; // its value is a selector's register
     // The register nodes a write of this feature may change, beside its own;
     // found at the first write.

@@ -391,15 +391,19 @@ private slots:
     void registerCache()
     {
         QTemporaryDir dir;
-        QByteArray xml = "<?xml version=\"1.0\"?><RegisterDescription ModelName=\"C\" VendorName=\"T\" "
-                         "SchemaMajorVersion=\"1\" SchemaMinorVersion=\"1\" SchemaSubMinorVersion=\"0\" "
-                         "MajorVersion=\"1\" MinorVersion=\"0\" SubMinorVersion=\"0\" ToolTip=\"\" ProductGuid=\"0\" "
-                         "VersionGuid=\"0\" StandardNameSpace=\"None\" xmlns=\"http://www.genicam.org/GenApi/Version_1_1\">"
-                         "<Category Name=\"Root\"><pFeature>Selector</pFeature><pFeature>Muxed</pFeature><pFeature>"
-                         "Marked</pFeature><pFeature>Volatile</pFeature><pFeature>Plain</pFeature></Category>"
-                         "<Integer Name=\"Selector\"><pValue>SelectorReg</pValue><pSelected>Muxed</pSelected></Integer>";
-        const char* registers[][2] = {{"SelectorReg", "0x2000"}, {"Muxed", "0x2004"}, {"Marked", "0x2008"},
-                                      {"Volatile", "0x200c"}, {"Plain", "0x2010"}};
+        QByteArray xml =
+            "<?xml version=\"1.0\"?><RegisterDescription ModelName=\"C\" VendorName=\"T\" "
+            "SchemaMajorVersion=\"1\" SchemaMinorVersion=\"1\" SchemaSubMinorVersion=\"0\" "
+            "MajorVersion=\"1\" MinorVersion=\"0\" SubMinorVersion=\"0\" ToolTip=\"\" ProductGuid=\"0\" "
+            "VersionGuid=\"0\" StandardNameSpace=\"None\" xmlns=\"http://www.genicam.org/GenApi/Version_1_1\">"
+            "<Category Name=\"Root\"><pFeature>Selector</pFeature><pFeature>Muxed</pFeature><pFeature>"
+            "Marked</pFeature><pFeature>Volatile</pFeature><pFeature>Plain</pFeature></Category>"
+            "<Integer Name=\"Selector\"><pValue>SelectorReg</pValue><pSelected>Muxed</pSelected></Integer>";
+        const char* registers[][2] = {{"SelectorReg", "0x2000"},
+                                      {"Muxed", "0x2004"},
+                                      {"Marked", "0x2008"},
+                                      {"Volatile", "0x200c"},
+                                      {"Plain", "0x2010"}};
         for (const auto& reg : registers)
             xml += QByteArray("<IntReg Name=\"") + reg[0] + "\"><Address>" + reg[1] + "</Address><Length>4</Length>" +
                    (qstrcmp(reg[0], "Marked") ? "" : "<pInvalidator>Selector</pInvalidator>") +

@@ -363,8 +363,9 @@ void tst_Soak::demoModels()
                 monitor->sampleNow();
                 break;
             case 4: // a camera-side change
-                camera.withAravisDevice([&](ArvDevice* d)
-                                        { arv_device_set_boolean_feature_value(d, "UserOutputValue", pick(2), nullptr); });
+                camera.withAravisDevice(
+                    [&](ArvDevice* d)
+                    { arv_device_set_boolean_feature_value(d, "UserOutputValue", pick(2), nullptr); });
                 break;
             default:
                 QTest::qWait(pick(60)); // the burst ends, the poller looks
