@@ -74,7 +74,8 @@ public:
     // until no other thread holds the device; nests on one thread. On the GUI
     // thread, an end() without a begin() of its own ends its burst at once:
     // a GUI thread about to wait for a thread that may wait in begin() calls
-    // it first.
+    // it first. A thread that holds the device must not wait for the GUI
+    // thread (a blocking queued call): the GUI thread may be waiting for it.
     bool begin(int timeoutMs);
     void end();
 
