@@ -525,10 +525,12 @@ QVector<Row> figureRun()
                                            tab->show();
                                            tab->stopTimer();
                                        })});
-    runEvents(200);
+    // Before each step the change poller's look after the last writes (250 ms
+    // after they pause) has ended: the step is the tab's alone.
+    runEvents(800);
     tab->markAllChanged();
     rows.append({"full tick", measure([&] { tab->updateTimer(); })});
-    runEvents(200);
+    runEvents(800);
     QComboBox* activation = tab->m_pComboTriggerActivation;
     if (activation && activation->isEnabled() && activation->count() > 1)
         rows.append(
@@ -539,7 +541,7 @@ QVector<Row> figureRun()
                                                                        {"preset Bulk", &IOTriggerWidget::OnBulkMode}};
     for (const auto& preset : presets)
     {
-        runEvents(200);
+        runEvents(800);
         rows.append({preset.first, measure([&] { (tab.get()->*preset.second)(); })});
         tab->stopTimer();
     }
