@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <ctime>
 #include <functional>
 #include <memory>
 
@@ -26,7 +27,12 @@
 // in-process fake device, and the tab's own cost on in-memory cameras of
 // 100 to 10,000 features.
 //
-//   triggerio-bench [--idle SECONDS] [--only gige|fake|memory|walk] [--models line,syncout,routing]
+//   triggerio-bench [--idle SECONDS] [--only gige|fake|memory|walk|figures] [--models line,syncout,routing]
+//                   [--seeds N]
+//
+// --only figures: the table of docs/performance.md: each step of the tab
+// through an emulated link (1.5 ms round trip) at 0% and 1% loss, N seeds
+// each (default 10), with the register cache on and off.
 //
 // Run it under `flock /tmp/triggerio-gige.lock` when other programs use the
 // loopback GigE Vision port.
@@ -39,6 +45,7 @@ QTextStream out(stdout);
 struct Sample
 {
     double ms = 0.0;
+    double cpuMs = 0.0; // the GUI thread's own CPU time
     GvcpLink::Counts packets;
     long distinctReads = 0; // different registers among the GUI thread's reads
     QString note;
@@ -46,13 +53,20 @@ struct Sample
 
 Sample measure(const std::function<void()>& step)
 {
+    // Each step is a burst of its own, as each event of a GUI is.
+    QCoreApplication::processEvents();
     const GvcpLink::Counts before = GvcpLink::counts();
     GvcpLink::forgetGuiReads();
     QElapsedTimer timer;
+    timespec cpuBefore{}, cpuAfter{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &cpuBefore);
     timer.start();
     step();
     Sample sample;
     sample.ms = double(timer.nsecsElapsed()) / 1e6;
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &cpuAfter);
+    sample.cpuMs =
+        double(cpuAfter.tv_sec - cpuBefore.tv_sec) * 1e3 + double(cpuAfter.tv_nsec - cpuBefore.tv_nsec) / 1e6;
     sample.packets = GvcpLink::counts() - before;
     sample.distinctReads = GvcpLink::distinctGuiReads();
     return sample;
@@ -492,6 +506,112 @@ void runMemory()
 
 } // namespace
 
+// GUI-thread time and packets of the tab's steps, one run: open, build and
+// show, a full tick, an edit, each preset.
+QVector<Row> figureRun()
+{
+    GenICamCamera camera;
+    QVector<Row> rows;
+    rows.append({"open", measure([&] { camera.open(QStringLiteral("127.0.0.1")); })});
+    if (!camera.isOpen())
+        return {};
+    camera.setPollPeriod(1000);
+    std::unique_ptr<BenchTab> tab;
+    const FeatureList features = camera.features();
+    rows.append({"build and show", measure(
+                                       [&]
+                                       {
+                                           tab.reset(new BenchTab(features, nullptr));
+                                           tab->show();
+                                           tab->stopTimer();
+                                       })});
+    // Before each step the change poller's look after the last writes (250 ms
+    // after they pause) has ended: the step is the tab's alone.
+    runEvents(800);
+    tab->markAllChanged();
+    rows.append({"full tick", measure([&] { tab->updateTimer(); })});
+    runEvents(800);
+    QComboBox* activation = tab->m_pComboTriggerActivation;
+    if (activation && activation->isEnabled() && activation->count() > 1)
+        rows.append(
+            {"an edit (trigger activation)",
+             measure([&] { activation->setCurrentIndex((activation->currentIndex() + 1) % activation->count()); })});
+    const QVector<QPair<QString, void (IOTriggerWidget::*)()>> presets{{"preset Edge", &IOTriggerWidget::OnEdgeMode},
+                                                                       {"preset Level", &IOTriggerWidget::OnLevelMode},
+                                                                       {"preset Bulk", &IOTriggerWidget::OnBulkMode}};
+    for (const auto& preset : presets)
+    {
+        runEvents(800);
+        rows.append({preset.first, measure([&] { (tab.get()->*preset.second)(); })});
+        tab->stopTimer();
+    }
+    tab.reset();
+    return rows;
+}
+
+// Median and worst of one step's runs: "ms (reads r, writes w)".
+QString summary(QVector<Sample> samples)
+{
+    if (samples.isEmpty())
+        return QStringLiteral("-");
+    std::sort(samples.begin(), samples.end(), [](const Sample& a, const Sample& b) { return a.ms < b.ms; });
+    const Sample& median = samples[samples.size() / 2];
+    const Sample& worst = samples.last();
+    auto packets = [](const Sample& s)
+    { return QStringLiteral("%1 r + %2 w").arg(s.packets.gui - s.packets.guiWrites).arg(s.packets.guiWrites); };
+    return QStringLiteral("%1 / %2 ms (CPU %3), %4 / %5")
+        .arg(number(median.ms, 0), number(worst.ms, 0), number(median.cpuMs, 0), packets(median), packets(worst));
+}
+
+void runFigures(const QStringList& models, int seeds)
+{
+    out << "\n## Through an emulated link: 1.5 ms round trip; 0% and 1% loss, " << seeds
+        << " runs each: GUI-thread time, median / worst (its own CPU time, median), and its packets, reads r "
+           "and writes w, in the median / worst run\n";
+    for (const QString& model : models)
+    {
+        const QString path = QStringLiteral(TRIGGERIO_CAMERAS_DIR) + "/" + model;
+        FakeGigEServer server;
+        GenICamCamera probe;
+        QString error;
+        if (!server.startAndOpen(path, probe, &error))
+        {
+            out << "\n" << model << ": not run (" << error << ")\n";
+            continue;
+        }
+        probe.close();
+        // step -> column (cache on/off, loss) -> samples
+        QStringList steps;
+        QMap<QString, QMap<int, QVector<Sample>>> table;
+        for (int column = 0; column < 4; ++column)
+        {
+            qputenv("TRIGGERIO_REGISTER_CACHE", column < 2 ? "on" : "off");
+            for (int seed = 1; seed <= seeds; ++seed)
+            {
+                GvcpLink::setEmulation({1.5, column % 2 ? 0.01 : 0.0, unsigned(seed)});
+                for (const Row& row : figureRun())
+                {
+                    if (!steps.contains(row.what))
+                        steps << row.what;
+                    table[row.what][column] << row.sample;
+                }
+            }
+        }
+        GvcpLink::setEmulation({});
+        qunsetenv("TRIGGERIO_REGISTER_CACHE");
+        out << "\n### " << model << "\n\n| step | cache on, 0% | cache on, 1% | cache off, 0% | cache off, 1% |\n"
+            << "|---|---|---|---|---|\n";
+        for (const QString& step : steps)
+        {
+            out << "| " << step;
+            for (int column = 0; column < 4; ++column)
+                out << " | " << summary(table[step][column]);
+            out << " |\n";
+        }
+        out.flush();
+    }
+}
+
 int main(int argc, char** argv)
 {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
@@ -500,6 +620,7 @@ int main(int argc, char** argv)
     GvcpLink::markGuiThread();
 
     int idleSeconds = 5;
+    int seeds = 10;
     QString only;
     QStringList models{"line-camera.xml", "syncout-camera.xml", "routing-camera.xml"};
     const QStringList args = app.arguments();
@@ -507,6 +628,8 @@ int main(int argc, char** argv)
     {
         if (args[i] == "--idle")
             idleSeconds = std::max(1, args[i + 1].toInt());
+        else if (args[i] == "--seeds")
+            seeds = std::max(1, args[i + 1].toInt());
         else if (args[i] == "--only")
             only = args[i + 1];
         else if (args[i] == "--models")
@@ -522,7 +645,7 @@ int main(int argc, char** argv)
     if (GvcpLink::emulation().isOn())
         out << "\nGigE Vision control packets through an emulated link: "
             << QString::fromStdString(GvcpLink::describe(GvcpLink::emulation())) << "\n";
-    for (const QString& model : models)
+    for (const QString& model : only == "figures" ? QStringList() : models)
     {
         if (only.isEmpty() || only == "gige")
             runModel(model, true, idleSeconds);
@@ -536,5 +659,7 @@ int main(int argc, char** argv)
     }
     if (only.isEmpty() || only == "memory")
         runMemory();
+    if (only == "figures")
+        runFigures(models, seeds);
     return 0;
 }

@@ -365,6 +365,14 @@ ch-number~chooser~viewer/main.cpp~    if (ok && *value >= 0)~    if (*value >= 0
 gt-start~gui-thread~viewer/CameraStream.cpp~    if (m_wanted)\n    {\n        GenICamCamera::runInBackground(~    if (m_wanted)\n    {\n        std::invoke(~the acquisition starts on the GUI thread
 gt-stop~gui-thread~viewer/CameraStream.cpp~    else\n    {\n        GenICamCamera::runInBackground(~    else\n    {\n        std::invoke(~the acquisition stops on the GUI thread
 gt-trigger~gui-thread~viewer/ViewerWindow.cpp~        m_stream->runCommand(feature);~        feature->RunCommand();~the viewer's software trigger runs on the GUI thread
+c-keep-written~cache~orvcpp/genicam/RegisterCache.cpp~    // Also when it failed: the camera may have taken part of it.\n    invalidate(address, size);~    // Also when it failed: the camera may have taken part of it.~a register is kept across a write to it (a selector read back stale after its write)
+c-selected~cache~orvcpp/genicam/GenICamFeature.cpp~                                                          ARV_GC_PROPERTY_NODE_TYPE_P_SELECTED)~                                                          ARV_GC_PROPERTY_NODE_TYPE_P_INVALIDATOR)~what a written selector selects (pSelected) is kept
+c-invalidator~cache~orvcpp/genicam/GenICamFeature.cpp~            std::vector<ArvDomNode*> changed = m_device->invalidatedBy(written);~            std::vector<ArvDomNode*> changed;~what names the written feature as pInvalidator is kept
+c-volatile~cache~orvcpp/genicam/GenICamFeature.cpp~m_device->cache().setReader(&m_name, m_uncached || m_type == OrvFeatureDataCommand, m_selector);~m_device->cache().setReader(&m_name, m_type == OrvFeatureDataCommand, m_selector);~a NoCache register is kept within a burst
+c-burst-end~cache~orvcpp/genicam/RegisterCache.cpp~    if (!m_guiBurst || generation != m_generation)~    if (!m_guiBurst || generation == m_generation)~the GUI thread's burst does not end when its event loop runs
+c-exclusive~cache~orvcpp/genicam/RegisterCache.cpp~    if (m_owner.load() != self)\n    {\n        m_released.wait(lock~    if (false)\n    {\n        m_released.wait(lock~the GUI thread's calls do not wait for another thread's bracket
+c-elide~cache~orvcpp/genicam/RegisterCache.cpp~        if (kept != m_entries.end() && std::equal(kept->second.begin(), kept->second.end(), bytes))~        if (kept != m_entries.end())~a write of another value than the one kept is not sent either
+c-keep-any~cache~orvcpp/genicam/GenICamFeature.cpp~m_device->cache().setReader(&m_name, m_uncached || m_type == OrvFeatureDataCommand, m_selector);~m_device->cache().setReader(&m_name, m_uncached || m_type == OrvFeatureDataCommand, true);~every register keeps what was written to it, not only a selector's
 LIST
 )
 
@@ -456,7 +464,7 @@ done <<<"$faults"
 cmake --build "$build" -j"$jobs" >/dev/null 2>&1
 echo
 printf '%-12s %6s %7s %7s\n' kind faults caught missed
-for kind in dispatch preset-step literal size alt-order restore row-limit other poller device finder viewer graph monitor package chooser gui-thread equivalent; do
+for kind in dispatch preset-step literal size alt-order restore row-limit other poller device finder viewer graph monitor package chooser gui-thread cache equivalent; do
     [ -n "${k_all[$kind]:-}" ] || continue
     printf '%-12s %6d %7d %7d\n' "$kind" "${k_all[$kind]}" "${k_caught[$kind]:-0}" "${k_missed[$kind]:-0}"
 done

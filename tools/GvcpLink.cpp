@@ -25,6 +25,7 @@ std::atomic<long> guiThread{0};
 std::atomic<long> guiCount{0};
 std::atomic<long> heartbeatCount{0};
 std::atomic<long> otherCount{0};
+std::atomic<long> guiWriteCount{0};
 // What the GUI thread read (register or memory address, and length), touched
 // by the GUI thread only.
 std::set<std::pair<unsigned long, unsigned>> guiReads;
@@ -143,7 +144,7 @@ void GvcpLink::markGuiThread()
 
 GvcpLink::Counts GvcpLink::counts()
 {
-    return {guiCount.load(), heartbeatCount.load(), otherCount.load()};
+    return {guiCount.load(), heartbeatCount.load(), otherCount.load(), guiWriteCount.load()};
 }
 
 void GvcpLink::forgetGuiReads()
@@ -243,6 +244,9 @@ void GvcpLink::count(const void* data, size_t length)
     {
         ++guiCount;
         noteRead(data, length);
+        const auto* bytes = static_cast<const unsigned char*>(data);
+        if (bytes && length >= 4 && bytes[0] == 0x42 && bytes[2] == 0 && (bytes[3] == 0x82 || bytes[3] == 0x86))
+            ++guiWriteCount; // WRITEREG, WRITEMEM
     }
     else
         ++otherCount;

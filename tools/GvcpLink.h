@@ -35,13 +35,14 @@ public:
         long gui = 0;       // the thread that called markGuiThread()
         long heartbeat = 0; // Aravis's GigE Vision heartbeat (its register read)
         long other = 0;     // every other thread (the backend's change poller)
+        long guiWrites = 0; // of gui: WRITEREG and WRITEMEM (the rest are reads)
         long total() const
         {
             return gui + heartbeat + other;
         }
         Counts operator-(const Counts& before) const
         {
-            return {gui - before.gui, heartbeat - before.heartbeat, other - before.other};
+            return {gui - before.gui, heartbeat - before.heartbeat, other - before.other, guiWrites - before.guiWrites};
         }
     };
 

@@ -9,6 +9,7 @@
 #include "GenICamFeature.h"
 #include "GenICamReferenceGraph.h"
 #include "GuardedFakeDevice.h"
+#include "RegisterCache.h"
 
 #include <QAtomicInt>
 #include <QFile>
@@ -446,6 +447,7 @@ bool GenICamCamera::withAravisDevice(const std::function<void(ArvDevice*)>& call
     // The call may change the device behind the features' back: the change
     // poller treats it as a write.
     m_device->poller().beforeWrite();
+    m_device->cache().enterCall();
     bool ran = false;
     {
         std::lock_guard<std::mutex> lock(m_device->lock());
@@ -454,6 +456,8 @@ bool GenICamCamera::withAravisDevice(const std::function<void(ArvDevice*)>& call
             call(m_device->device());
             ran = true;
         }
+        // What it changed is not known: the burst reads everything again.
+        m_device->cache().clear();
     }
     m_device->poller().afterWrite();
     return ran;

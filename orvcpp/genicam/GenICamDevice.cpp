@@ -1,7 +1,9 @@
 #include "GenICamDevice.h"
 
 #include "BackgroundJobs.h"
+#include "CachingDevice.h"
 #include "FeaturePoller.h"
+#include "RegisterCache.h"
 
 #include <arv.h>
 
@@ -52,14 +54,17 @@ int heartbeatTimeoutMs(ArvDevice* device)
 
 GenICamDevice::GenICamDevice(ArvDevice* device, const std::string& id)
     : m_device(device)
-    , m_genicam(arv_device_get_genicam(device))
+    , m_cache(std::make_shared<RegisterCache>(device))
+    , m_caching(CachingDevice::create(device, m_cache.get()))
+    , m_genicam(arv_device_get_genicam(m_caching ? m_caching : device))
     , m_id(id)
     , m_patience(std::chrono::milliseconds(heartbeatTimeoutMs(device)))
     , m_poller(new FeaturePoller)
 {
     // Aravis refuses writes to read-only features and values outside the range
-    // for us, and reads registers from the device every time, so we see what
-    // the camera or another program changed.
+    // for us, and its own register cache stays off: it would keep a register
+    // across a write of its selector (the features' node tree has the same
+    // policies, and the cache of one burst below it).
     arv_device_set_access_check_policy(m_device, ARV_ACCESS_CHECK_POLICY_ENABLE);
     arv_device_set_range_check_policy(m_device, ARV_RANGE_CHECK_POLICY_ENABLE);
     arv_device_set_register_cache_policy(m_device, ARV_REGISTER_CACHE_POLICY_DISABLE);
@@ -95,8 +100,11 @@ GenICamDevice::~GenICamDevice()
     // Stop notifications before the node tree goes away.
     m_poller.reset();
     letGoIfLost();
+    if (m_caching)
+        g_object_unref(m_caching);
     if (!m_device)
         return;
+    m_cache->setDevice(nullptr);
     if (m_controlLostHandler)
         g_signal_handler_disconnect(m_device, m_controlLostHandler);
     g_object_unref(m_device);
@@ -109,6 +117,7 @@ void GenICamDevice::letGoIfLost()
     if (m_controlLostHandler)
         g_signal_handler_disconnect(m_device, m_controlLostHandler);
     m_controlLostHandler = 0;
+    m_cache->setDevice(nullptr);
     BackgroundJobs::start([device = m_device] { g_object_unref(device); });
     m_device = nullptr;
     m_genicam = nullptr;
@@ -306,4 +315,116 @@ const std::vector<ArvDomNode*>& GenICamDevice::structureProperties(ArvDomNode* s
         if (ARV_IS_GC_PROPERTY_NODE(child))
             properties.push_back(child);
     return properties;
+}
+
+std::vector<ArvDomNode*> GenICamDevice::valueNodes(ArvDomNode* node)
+{
+    std::vector<ArvDomNode*> found, pending{node};
+    std::set<ArvDomNode*> visited;
+    while (!pending.empty())
+    {
+        ArvDomNode* next = pending.back();
+        pending.pop_back();
+        if (!next || ARV_IS_GC_PORT(next) || !visited.insert(next).second)
+            continue;
+        found.push_back(next);
+        // A structure entry's register is its structure, whose other
+        // children (its entries, maybe thousands) are no value of its own.
+        ArvDomNode* structure = ARV_IS_GC_STRUCT_ENTRY_NODE(next) ? arv_dom_node_get_parent_node(next) : nullptr;
+        if (structure && visited.insert(structure).second)
+            found.push_back(structure);
+        for (ArvDomNode* child = arv_dom_node_get_first_child(next); child;
+             child = arv_dom_node_get_next_sibling(child))
+        {
+            if (!ARV_IS_GC_PROPERTY_NODE(child))
+                continue;
+            switch (arv_gc_property_node_get_node_type(ARV_GC_PROPERTY_NODE(child)))
+            {
+            case ARV_GC_PROPERTY_NODE_TYPE_P_VALUE:
+            case ARV_GC_PROPERTY_NODE_TYPE_P_VARIABLE:
+            case ARV_GC_PROPERTY_NODE_TYPE_P_VALUE_INDEXED:
+            case ARV_GC_PROPERTY_NODE_TYPE_P_VALUE_DEFAULT:
+                pending.push_back(ARV_DOM_NODE(arv_gc_property_node_get_linked_node(ARV_GC_PROPERTY_NODE(child))));
+                break;
+            default:
+                break;
+            }
+        }
+    }
+    return found;
+}
+
+const std::set<ArvDomNode*>& GenICamDevice::volatileRegisters()
+{
+    if (m_volatileRegisters)
+        return *m_volatileRegisters;
+    m_volatileRegisters.reset(new std::set<ArvDomNode*>);
+    for (const std::string& name : volatileNodes())
+    {
+        ArvGcNode* node = m_genicam ? arv_gc_get_node(m_genicam, name.c_str()) : nullptr;
+        for (ArvDomNode* below : valueNodes(ARV_DOM_NODE(node)))
+            if (ARV_IS_GC_REGISTER_NODE(below))
+                m_volatileRegisters->insert(below);
+    }
+    return *m_volatileRegisters;
+}
+
+void GenICamDevice::indexDescription()
+{
+    m_invalidatedBy.reset(new std::unordered_map<ArvDomNode*, std::vector<ArvDomNode*>>);
+    std::set<ArvDomNode*> selectors;
+    // Every element of the description, without recursion.
+    std::vector<ArvDomNode*> pending;
+    if (m_genicam)
+        pending.push_back(ARV_DOM_NODE(arv_dom_document_get_document_element(ARV_DOM_DOCUMENT(m_genicam))));
+    while (!pending.empty())
+    {
+        ArvDomNode* element = pending.back();
+        pending.pop_back();
+        for (ArvDomNode* child = arv_dom_node_get_first_child(element); child;
+             child = arv_dom_node_get_next_sibling(child))
+        {
+            if (!ARV_IS_GC_PROPERTY_NODE(child))
+            {
+                pending.push_back(child);
+                continue;
+            }
+            auto* property = ARV_GC_PROPERTY_NODE(child);
+            switch (arv_gc_property_node_get_node_type(property))
+            {
+            case ARV_GC_PROPERTY_NODE_TYPE_P_INVALIDATOR:
+                (*m_invalidatedBy)[ARV_DOM_NODE(arv_gc_property_node_get_linked_node(property))].push_back(element);
+                break;
+            case ARV_GC_PROPERTY_NODE_TYPE_P_SELECTED:
+                selectors.insert(element);
+                break;
+            case ARV_GC_PROPERTY_NODE_TYPE_P_INDEX:
+            case ARV_GC_PROPERTY_NODE_TYPE_P_ADDRESS:
+                selectors.insert(ARV_DOM_NODE(arv_gc_property_node_get_linked_node(property)));
+                break;
+            default:
+                break;
+            }
+        }
+    }
+    for (ArvDomNode* selector : selectors)
+        for (ArvDomNode* below : valueNodes(selector))
+            if (ARV_IS_GC_REGISTER_NODE(below))
+                m_selectorRegisters.insert(below);
+}
+
+const std::vector<ArvDomNode*>& GenICamDevice::invalidatedBy(ArvDomNode* node)
+{
+    if (!m_invalidatedBy)
+        indexDescription();
+    static const std::vector<ArvDomNode*> none;
+    const auto found = m_invalidatedBy->find(node);
+    return found == m_invalidatedBy->end() ? none : found->second;
+}
+
+const std::set<ArvDomNode*>& GenICamDevice::selectorRegisters()
+{
+    if (!m_invalidatedBy)
+        indexDescription();
+    return m_selectorRegisters;
 }

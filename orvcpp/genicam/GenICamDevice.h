@@ -19,6 +19,7 @@ typedef struct _ArvGc ArvGc;
 typedef struct _GError GError;
 
 class FeaturePoller;
+class RegisterCache;
 
 // One opened Aravis device, shared by the camera object and all its features.
 //
@@ -67,9 +68,15 @@ public:
     {
         return m_device;
     }
+    // The node tree the features read: built over a CachingDevice, so that
+    // its register accesses go through cache(). Null once let go of.
     ArvGc* genicam() const
     {
         return m_genicam;
+    }
+    RegisterCache& cache()
+    {
+        return *m_cache;
     }
     FeaturePoller& poller()
     {
@@ -108,6 +115,18 @@ public:
     // Read from the description at the first call; expects lock() held.
     const std::set<std::string>& volatileNodes();
 
+    // The register nodes below a node whose value may change by itself (see
+    // volatileNodes): reads of them are never kept. Expects lock() held.
+    const std::set<ArvDomNode*>& volatileRegisters();
+    // The nodes whose pInvalidator names node. Expects lock() held.
+    const std::vector<ArvDomNode*>& invalidatedBy(ArvDomNode* node);
+    // The register nodes that hold a selector's value: below a node that has
+    // a pSelected or that a pIndex or pAddress names. Expects lock() held.
+    const std::set<ArvDomNode*>& selectorRegisters();
+    // node and the nodes its value is taken from or written to (pValue,
+    // pVariable and their kin, a structure entry's structure), depth first.
+    static std::vector<ArvDomNode*> valueNodes(ArvDomNode* node);
+
     // The property children of a structure register, gathered at the first
     // call, once for all its entries (its other children). Expects lock() held.
     const std::vector<ArvDomNode*>& structureProperties(ArvDomNode* structure);
@@ -128,6 +147,8 @@ private:
     void reportLost();
 
     ArvDevice* m_device;
+    std::shared_ptr<RegisterCache> m_cache;
+    ArvDevice* m_caching;
     ArvGc* m_genicam;
     std::string m_id;
     std::mutex m_lock;
@@ -142,6 +163,10 @@ private:
     std::unique_ptr<FeaturePoller> m_poller;
     std::unique_ptr<std::set<std::string>> m_volatileNodes;
     std::unordered_map<ArvDomNode*, std::vector<ArvDomNode*>> m_structureProperties;
+    std::unique_ptr<std::set<ArvDomNode*>> m_volatileRegisters;
+    void indexDescription();
+    std::unique_ptr<std::unordered_map<ArvDomNode*, std::vector<ArvDomNode*>>> m_invalidatedBy;
+    std::set<ArvDomNode*> m_selectorRegisters;
 };
 
 #endif

@@ -2,6 +2,7 @@
 
 #include "FeaturePoller.h"
 #include "GenICamDevice.h"
+#include "RegisterCache.h"
 
 #include <arv.h>
 
@@ -128,13 +129,20 @@ template <typename Call> OrvErrorType GenICamFeature::withDevice(Call call)
 {
     if (m_device->isLost())
         return OrvErrorDeviceLost;
+    m_device->cache().enterCall();
     std::lock_guard<std::mutex> lock(m_device->lock());
     if (m_device->isLost())
     {
         m_device->letGoIfLost();
         return OrvErrorDeviceLost;
     }
+    if (!m_dependenciesKnown)
+        findDependencies();
+    // A command's write always goes to the camera, as do all accesses of a
+    // feature with a volatile register below it.
+    m_device->cache().setReader(&m_name, m_uncached || m_type == OrvFeatureDataCommand, m_selector);
     const OrvErrorType code = call();
+    m_device->cache().setReader(nullptr, false, false);
     m_device->letGoIfLost(); // lost during this call
     return code;
 }
@@ -154,7 +162,9 @@ template <typename Call> OrvErrorType GenICamFeature::write(Call call)
                 findDependencies();
             registers = m_registers;
             reached = true;
-            return call();
+            const OrvErrorType written = call();
+            invalidateAfterWrite();
+            return written;
         });
     // A write may change other features too (selectors, locks): the change
     // poller looks at the observed features that share a register with this
@@ -676,6 +686,56 @@ OrvErrorType GenICamFeature::RunCommand()
                  { return store([&](GError** e) { arv_gc_command_execute(ARV_GC_COMMAND(m_node), e); }); });
 }
 
+bool GenICamFeature::BeginExclusive(int timeoutMs)
+{
+    return m_device->cache().begin(timeoutMs);
+}
+
+void GenICamFeature::EndExclusive()
+{
+    m_device->cache().end();
+}
+
+void GenICamFeature::invalidateAfterWrite()
+{
+    RegisterCache& cache = m_device->cache();
+    // A command may change anything (a user set loaded, acquisition started).
+    if (m_type == OrvFeatureDataCommand || m_device->isLost())
+        return cache.clear();
+    if (!m_invalidatesKnown)
+    {
+        std::set<ArvGcNode*> registers;
+        for (ArvDomNode* written : GenICamDevice::valueNodes(ARV_DOM_NODE(m_node)))
+        {
+            std::vector<ArvDomNode*> changed = m_device->invalidatedBy(written);
+            for (ArvDomNode* child = arv_dom_node_get_first_child(written); child;
+                 child = arv_dom_node_get_next_sibling(child))
+                if (ARV_IS_GC_PROPERTY_NODE(child) && arv_gc_property_node_get_node_type(ARV_GC_PROPERTY_NODE(child)) ==
+                                                          ARV_GC_PROPERTY_NODE_TYPE_P_SELECTED)
+                    changed.push_back(ARV_DOM_NODE(arv_gc_property_node_get_linked_node(ARV_GC_PROPERTY_NODE(child))));
+            for (ArvDomNode* node : changed)
+                for (ArvDomNode* below : GenICamDevice::valueNodes(node))
+                    if (ARV_IS_GC_REGISTER_NODE(below))
+                        registers.insert(ARV_GC_NODE(below));
+        }
+        m_invalidates.assign(registers.begin(), registers.end());
+        m_invalidatesKnown = true;
+    }
+    // At the addresses they have now (a selector's setting may move them).
+    for (ArvGcNode* node : m_invalidates)
+    {
+        GError* error = nullptr;
+        const guint64 address = arv_gc_register_get_address(ARV_GC_REGISTER(node), &error);
+        const guint64 length = error ? 0 : arv_gc_register_get_length(ARV_GC_REGISTER(node), &error);
+        if (error)
+        {
+            g_error_free(error);
+            return cache.clear();
+        }
+        cache.invalidate(address, length);
+    }
+}
+
 OrvErrorType GenICamFeature::RegisterObserver(const OrvCPP::shared_ptr<OrvCPP::IFeatureObserver>& observer)
 {
     return m_device->poller().registerObserver(shared_from_this(), observer);
@@ -748,6 +808,15 @@ void GenICamFeature::findDependencies()
             follow(child);
     }
     std::sort(m_registers.begin(), m_registers.end());
+    const std::set<ArvDomNode*>& volatileRegisters = m_device->volatileRegisters();
+    m_uncached = m_volatile ||
+                 std::any_of(m_registers.begin(), m_registers.end(),
+                             [&](const void* node) {
+                                 return volatileRegisters.count(static_cast<ArvDomNode*>(const_cast<void*>(node))) > 0;
+                             });
+    const std::set<ArvDomNode*>& selectorRegisters = m_device->selectorRegisters();
+    for (ArvDomNode* node : GenICamDevice::valueNodes(ARV_DOM_NODE(m_node)))
+        m_selector = m_selector || selectorRegisters.count(node) > 0;
     m_dependenciesKnown = true;
 }
 

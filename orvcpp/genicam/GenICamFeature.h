@@ -1,6 +1,7 @@
 #ifndef GENICAMFEATURE_H
 #define GENICAMFEATURE_H
 
+#include <OrvCPP/ExclusiveAccess.h>
 #include <OrvCPP/OrvCPP.h>
 
 #include <memory>
@@ -28,7 +29,25 @@ typedef struct _ArvGcNode ArvGcNode;
 // and stay readable after the device is lost; every other call then returns
 // OrvErrorDeviceLost at once. A call the device did not answer returns
 // OrvErrorTimeout (see GenICamDevice for when timeouts make a device lost).
-class GenICamFeature : public OrvCPP::Feature, public std::enable_shared_from_this<GenICamFeature>
+//
+// Reads go through the device's RegisterCache: within one burst of calls a
+// register is read from the camera once. After a write, what the description
+// says can change with it is read again: the registers written, and those
+// below every feature that the written one (or a node its value goes to)
+// selects (pSelected) or that names one of them as pInvalidator. Values
+// computed from registers (formulas, converters) are computed anew at every
+// read from what is kept. A selector's register (what a pIndex or pAddress
+// names, or a feature with pSelected) keeps the value written to it: the
+// camera takes a selector's entry as written, and a walk over the lines then
+// reads no selector back. After a command everything is read again. A feature
+// with a volatile register below it (IsVolatile, Cachable NoCache, a
+// PollingTime) reads every register from the camera.
+//
+// ExclusiveAccess is the device's (see RegisterCache): any feature of a
+// camera brackets the calls on all its features.
+class GenICamFeature : public OrvCPP::Feature,
+                       public OrvCPP::ExclusiveAccess,
+                       public std::enable_shared_from_this<GenICamFeature>
 {
 public:
     GenICamFeature(std::shared_ptr<GenICamDevice> device, ArvGcFeatureNode* node, const std::string& category);
@@ -59,6 +78,9 @@ public:
     OrvErrorType SetValue(const char* value) override;
 
     OrvErrorType RunCommand() override;
+
+    bool BeginExclusive(int timeoutMs) override;
+    void EndExclusive() override;
 
     OrvErrorType RegisterObserver(const OrvCPP::shared_ptr<OrvCPP::IFeatureObserver>& observer) override;
     OrvErrorType UnregisterObserver(const OrvCPP::shared_ptr<OrvCPP::IFeatureObserver>& observer) override;
@@ -110,6 +132,8 @@ private:
     OrvErrorType writeFloat(double value);
     std::string snapshot();
     void findDependencies();
+    // After a write: drops from the cache what the write can have changed.
+    void invalidateAfterWrite();
 
     std::shared_ptr<GenICamDevice> m_device;
     ArvGcFeatureNode* m_node;
@@ -122,6 +146,12 @@ private:
     bool m_volatile = true;
     std::vector<ArvGcNode*> m_selectorNodes;
     std::vector<const void*> m_registers;
+    bool m_uncached = true;  // a volatile register below it
+    bool m_selector = false; // its value is a selector's register
+    // The register nodes a write of this feature may change, beside its own;
+    // found at the first write.
+    bool m_invalidatesKnown = false;
+    std::vector<ArvGcNode*> m_invalidates;
     // An enumeration's entries by name, found at the first lookup, with the
     // device lock held.
     bool m_entriesKnown = false;

@@ -5,6 +5,7 @@
 #include "GenICamDevice.h"
 #include "FeaturePoller.h"
 #include "GenICamFeature.h"
+#include "RegisterCache.h"
 #include "ReviewedRecord.h"
 
 #include <QTemporaryDir>
@@ -379,6 +380,115 @@ private slots:
         QCOMPARE(linesTogether, linesAlone);
         QCOMPARE(outputsTogether, outputsAlone);
         QVERIFY(observer->waitFor("LineSource", 10000).contains("LineSource"));
+    }
+
+    // Within a burst of the test's thread (the application's: until events
+    // run) a register is read once; a write of a selector makes what it
+    // selects (pSelected) or invalidates (pInvalidator) be read again, a
+    // NoCache register is always read, nothing survives the burst, and
+    // verify mode reports a stale value. Another thread's bracket and the
+    // burst exclude each other.
+    void registerCache()
+    {
+        QTemporaryDir dir;
+        QByteArray xml =
+            "<?xml version=\"1.0\"?><RegisterDescription ModelName=\"C\" VendorName=\"T\" "
+            "SchemaMajorVersion=\"1\" SchemaMinorVersion=\"1\" SchemaSubMinorVersion=\"0\" "
+            "MajorVersion=\"1\" MinorVersion=\"0\" SubMinorVersion=\"0\" ToolTip=\"\" ProductGuid=\"0\" "
+            "VersionGuid=\"0\" StandardNameSpace=\"None\" xmlns=\"http://www.genicam.org/GenApi/Version_1_1\">"
+            "<Category Name=\"Root\"><pFeature>Selector</pFeature><pFeature>Muxed</pFeature><pFeature>"
+            "Marked</pFeature><pFeature>Volatile</pFeature><pFeature>Plain</pFeature></Category>"
+            "<Integer Name=\"Selector\"><pValue>SelectorReg</pValue><pSelected>Muxed</pSelected></Integer>";
+        const char* registers[][2] = {{"SelectorReg", "0x2000"},
+                                      {"Muxed", "0x2004"},
+                                      {"Marked", "0x2008"},
+                                      {"Volatile", "0x200c"},
+                                      {"Plain", "0x2010"}};
+        for (const auto& reg : registers)
+            xml += QByteArray("<IntReg Name=\"") + reg[0] + "\"><Address>" + reg[1] + "</Address><Length>4</Length>" +
+                   (qstrcmp(reg[0], "Marked") ? "" : "<pInvalidator>Selector</pInvalidator>") +
+                   (qstrcmp(reg[0], "Volatile") ? "" : "<Cachable>NoCache</Cachable>") +
+                   "<AccessMode>RW</AccessMode><pPort>Device</pPort><Sign>Unsigned</Sign><Endianess>BigEndian"
+                   "</Endianess></IntReg>";
+        QVERIFY(writeFile(dir.filePath("cache.xml"), xml + "<Port Name=\"Device\"/></RegisterDescription>"));
+        GenICamCamera camera;
+        QCOMPARE(openModel(camera, dir.filePath("cache.xml")), QString());
+        ArvFakeCamera* fake = nullptr;
+        camera.withAravisDevice([&](ArvDevice* d) { fake = arv_fake_device_get_fake_camera(ARV_FAKE_DEVICE(d)); });
+        const FeatureList features = camera.features();
+        // The cache on whatever the environment says; the mismatches below are planted.
+        RegisterCache& cache = dynamic_cast<GenICamFeature&>(*features->first()).device()->cache();
+        cache.setMode(RegisterCache::Mode::On);
+        const QByteArray fatal = qgetenv("TRIGGERIO_REGISTER_CACHE_FATAL");
+        qunsetenv("TRIGGERIO_REGISTER_CACHE_FATAL");
+        auto value = [&](const char* name)
+        {
+            long long v = -1;
+            featureNamed(features, name)->GetValue(v);
+            return v;
+        };
+        // Reads each register, changes each behind the cache; what is read again within the burst.
+        auto readAgain = [&](auto between)
+        {
+            QStringList fresh;
+            for (const char* name : {"Muxed", "Marked", "Volatile", "Plain"})
+                value(name);
+            for (guint32 address = 0x2004; address <= 0x2010; address += 4)
+                arv_fake_camera_write_register(fake, address, address + 7);
+            between();
+            for (const char* name : {"Muxed", "Marked", "Volatile", "Plain"})
+                if (value(name) > 0x2000)
+                    fresh << name;
+            for (guint32 address = 0x2004; address <= 0x2010; address += 4)
+                arv_fake_camera_write_register(fake, address, 0);
+            QCoreApplication::processEvents(); // the burst ends
+            return fresh;
+        };
+        QCOMPARE(readAgain([] {}), QStringList{"Volatile"});
+        QCOMPARE(readAgain([&] { featureNamed(features, "Selector")->SetValue(1LL); }),
+                 QStringList({"Muxed", "Marked", "Volatile"}));
+        QCOMPARE(readAgain( // the camera may keep something else than what was written
+                     [&]
+                     {
+                         featureNamed(features, "Plain")->SetValue(1LL);
+                         arv_fake_camera_write_register(fake, 0x2010, 0x2017);
+                     }),
+                 QStringList({"Volatile", "Plain"}));
+        QCOMPARE(readAgain([] { QCoreApplication::processEvents(); }),
+                 QStringList({"Muxed", "Marked", "Volatile", "Plain"}));
+        cache.setMode(RegisterCache::Mode::Verify);
+        const long before = RegisterCache::mismatches();
+        QCOMPARE(readAgain([] {}), QStringList({"Muxed", "Marked", "Volatile", "Plain"}));
+        QCOMPARE(RegisterCache::mismatches() - before, 3L);
+        qputenv("TRIGGERIO_REGISTER_CACHE_FATAL", fatal);
+        cache.setMode(RegisterCache::Mode::On);
+
+        // The burst holds the camera: another thread's bracket waits for its end.
+        auto* access = dynamic_cast<OrvCPP::ExclusiveAccess*>(features->first().get());
+        value("Plain");
+        std::atomic<int> stage{0};
+        std::thread other(
+            [&]
+            {
+                stage = access->BeginExclusive(100) ? -1 : 1;
+                while (stage != 2)
+                    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+                stage = access->BeginExclusive(5000) && access->BeginExclusive(0) ? 3 : -3; // nested
+                std::this_thread::sleep_for(std::chrono::milliseconds(300));
+                featureNamed(features, "Plain")->SetValue(5LL);
+                access->EndExclusive();
+                access->EndExclusive();
+            });
+        while (stage == 0)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        QCOMPARE(int(stage), 1);
+        QCoreApplication::processEvents();
+        stage = 2;
+        while (stage == 2)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        QCOMPARE(int(stage), 3);
+        QCOMPARE(value("Plain"), 5LL); // waited for the bracket's end
+        other.join();
     }
 
     // A camera-side change is told while a page walks LineSelector ten times a
