@@ -372,6 +372,7 @@ c-volatile~cache~orvcpp/genicam/GenICamFeature.cpp~m_device->cache().setReader(&
 c-burst-end~cache~orvcpp/genicam/RegisterCache.cpp~    if (!m_guiBurst || generation != m_generation)~    if (!m_guiBurst || generation == m_generation)~the GUI thread's burst does not end when its event loop runs
 c-exclusive~cache~orvcpp/genicam/RegisterCache.cpp~    if (m_owner.load() != self)\n    {\n        m_released.wait(lock~    if (false)\n    {\n        m_released.wait(lock~the GUI thread's calls do not wait for another thread's bracket
 c-elide~cache~orvcpp/genicam/RegisterCache.cpp~        if (kept != m_entries.end() && std::equal(kept->second.begin(), kept->second.end(), bytes))~        if (kept != m_entries.end())~a write of another value than the one kept is not sent either
+c-elide-any~cache~orvcpp/genicam/RegisterCache.cpp~    if (m_keepWrites && cachesForThisThread())\n    {\n        std::unique_lock~    if (cachesForThisThread())\n    {\n        std::unique_lock~a write of the value a burst knows is left out for every register, not only a selector's
 c-keep-any~cache~orvcpp/genicam/GenICamFeature.cpp~m_device->cache().setReader(&m_name, m_uncached || m_type == OrvFeatureDataCommand, m_selector);~m_device->cache().setReader(&m_name, m_uncached || m_type == OrvFeatureDataCommand, true);~every register keeps what was written to it, not only a selector's
 LIST
 )

@@ -227,10 +227,11 @@ void RegisterCache::keep(uint64_t address, uint32_t size, bool asRegister, const
 
 bool RegisterCache::write(uint64_t address, uint32_t size, const void* buffer, bool asRegister, GError** error)
 {
-    // A write of what the register is known to hold within this burst does
-    // not go over the link (a selector put back where it was): the camera
-    // has it already. Verify mode reads it to make sure.
-    if (cachesForThisThread())
+    // A selector's write of what its register is known to hold within this
+    // burst does not go over the link (a selector put back where it was): the
+    // camera has it already. Other registers are always written: a camera may
+    // act on a write of the value it holds. Verify mode reads it to make sure.
+    if (m_keepWrites && cachesForThisThread())
     {
         std::unique_lock<std::mutex> lock(m_entriesLock);
         const auto* bytes = static_cast<const unsigned char*>(buffer);

@@ -27,8 +27,8 @@ typedef struct _GError GError;
 // Within its burst a thread reads each register from the camera at most
 // once. Any other thread's reads go to the camera and are not kept (the
 // change poller's looks), and nothing is kept from one burst to the next.
-// A write of what the burst knows the register to hold is not sent (a
-// selector walk's restore). What a write can change is dropped: every write drops the bytes it wrote,
+// A selector's write of what the burst knows its register to hold is not
+// sent (a selector walk's restore). What a write can change is dropped: every write drops the bytes it wrote,
 // whatever thread made it; GenICamFeature drops what the description says a
 // written feature selects or invalidates, and everything after a command or a
 // call straight to the Aravis device.
