@@ -318,7 +318,7 @@ g-entry-index~graph~orvcpp/genicam/GenICamFeature.cpp~        m_entriesKnown = t
 g-values-order~graph~orvcpp/genicam/GenICamFeature.cpp~            std::reverse(names.begin(), names.end());\n~~entries listed in Aravis's (reversed) order
 m-bit-number~monitor~iomonitor/LineSampler.cpp~        bits << bit;~        bits << int(bits.size());~LineStatusAll read at the line's position in the selector, not at the number its name ends in
 m-source-order~monitor~iomonitor/LineSampler.cpp~m_source = m_statusAll ? StatusAll : m_status ? StatusWalk : NoLevels;~m_source = m_status ? StatusWalk : m_statusAll ? StatusAll : NoLevels;~the LineSelector walk preferred to the one read of LineStatusAll
-m-mask-bit~monitor~iomonitor/LineSampler.cpp~m_statusAll ? bits.at(i) : i, false~bits.at(i), false~a sync output's level mask bit taken from the number its name ends in, not its position
+m-mask-bit~monitor~iomonitor/LineSampler.cpp~outputs, m_statusAll != nullptr);~outputs, true);~a sync output's level mask bit taken from the number its name ends in, not its position
 m-all-gap~monitor~iomonitor/LineSampler.cpp~    if (!readInteger(m_statusAll, &all))\n        return levels;~    readInteger(m_statusAll, &all);~a failed LineStatusAll read gives low levels, not a gap
 m-walk-gap~monitor~iomonitor/LineSampler.cpp~        if (m_status->GetValue(high) == OrvErrorSuccess)\n            levels[i] = high ? 1 : 0;~        m_status->GetValue(high);\n        levels[i] = high ? 1 : 0;~a failed LineStatus read gives a low level, not a gap
 m-mask-gap~monitor~iomonitor/LineSampler.cpp~if (line.inputMask ? inputsRead : outputsRead)~if (line.inputMask ? m_inLevels : m_outLevels)~a level mask that exists counts as read, also when its read failed
@@ -336,6 +336,7 @@ m-vcd-origin~monitor~iomonitor/VcdWriter.cpp~QByteArray::number(it.key() - fromM
 m-vcd-stamp~monitor~iomonitor/VcdWriter.cpp~        out += '#' + QByteArray::number(it.key() - fromMs)~        if (std::all_of(it.value().cbegin(), it.value().cend(),\n                        [&](const QPair<int, int>& c) { return last.at(c.first) == c.second; }))\n            continue;\n        out += '#' + QByteArray::number(it.key() - fromMs)~a sample that changes no level gets no time stamp
 m-walk-restore~monitor~iomonitor/SelectorWalk.cpp~    if (current != savedEntry && selector->SetValue(saved.c_str()) != OrvErrorSuccess &&~    if (current != savedEntry && selector->SetValue(current.toStdString().c_str()) != OrvErrorSuccess &&~the walk "restores" the selector to the last entry it read
 m-walk-first~monitor~iomonitor/SelectorWalk.cpp~    const int first = entries.indexOf(savedEntry);~    const int first = -1;~the entry the selector stands on is written and read in turn like the others
+m-entry-value~monitor~iomonitor/LineSampler.cpp~auto* values = dynamic_cast<OrvCPP::EnumEntryValues*>(selector.get());~OrvCPP::EnumEntryValues* values = nullptr;~a line's bit taken from its name or position, not from the value the camera's description gives its selector entry
 LIST
 )
 

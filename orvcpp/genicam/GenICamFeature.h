@@ -1,6 +1,7 @@
 #ifndef GENICAMFEATURE_H
 #define GENICAMFEATURE_H
 
+#include <OrvCPP/EnumEntryValues.h>
 #include <OrvCPP/OrvCPP.h>
 
 #include <memory>
@@ -28,7 +29,10 @@ typedef struct _ArvGcNode ArvGcNode;
 // and stay readable after the device is lost; every other call then returns
 // OrvErrorDeviceLost at once. A call the device did not answer returns
 // OrvErrorTimeout (see GenICamDevice for when timeouts make a device lost).
-class GenICamFeature : public OrvCPP::Feature, public std::enable_shared_from_this<GenICamFeature>
+// An enumeration also tells its entries' integer values (EnumEntryValues).
+class GenICamFeature : public OrvCPP::Feature,
+                       public OrvCPP::EnumEntryValues,
+                       public std::enable_shared_from_this<GenICamFeature>
 {
 public:
     GenICamFeature(std::shared_ptr<GenICamDevice> device, ArvGcFeatureNode* node, const std::string& category);
@@ -59,6 +63,8 @@ public:
     OrvErrorType SetValue(const char* value) override;
 
     OrvErrorType RunCommand() override;
+
+    OrvErrorType GetEntryValue(const char* entry, long long& value) override;
 
     OrvErrorType RegisterObserver(const OrvCPP::shared_ptr<OrvCPP::IFeatureObserver>& observer) override;
     OrvErrorType UnregisterObserver(const OrvCPP::shared_ptr<OrvCPP::IFeatureObserver>& observer) override;

@@ -5,6 +5,7 @@
 #include "GenICamDevice.h"
 #include "FeaturePoller.h"
 #include "GenICamFeature.h"
+#include "LineSampler.h"
 #include "ReviewedRecord.h"
 
 #include <QTemporaryDir>
@@ -536,6 +537,62 @@ private slots:
         QStringList names = observer->waitFor({}, 0);
         names.sort();
         QCOMPARE(names, reported);
+    }
+
+    // The I/O Monitor's levels on each demo model: through LineStatusAll and through the other source
+    // (LineSelector walk; sync-out: level masks) they equal the model's own. A line that is an output
+    // driven by a user output shows its value through the inverter, an input its status register
+    // (0x1140 + 4 n); a sync output on GPO its bit of SyncOutLevels, else its polarity (acquisition off).
+    void monitorLevelsFollowTheModels()
+    {
+        for (const QString model : {"line", "routing", "syncout"})
+        {
+            GenICamCamera camera;
+            QCOMPARE(openModel(camera, model + "-camera.xml"), QString());
+            FeatureManager fm(camera.features());
+            FeatureList withoutAll(new QVector<FeaturePtr>(*camera.features()));
+            withoutAll->removeOne(fm.GetFeatureByName(QString("LineStatusAll")));
+            const QStringList users = fm.GetAvailableEnumEntries("UserOutputSelector");
+            for (int c = 0; c < 16; ++c)
+            {
+                QString expected;
+                for (int u = 0; u < users.size(); ++u)
+                    fm.SetValue("UserOutputSelector", users.at(u)), fm.SetValue("UserOutputValue", double((c >> u) & 1));
+                for (int i = 0; i < (model == "syncout" ? 3 : 4); ++i)
+                {
+                    const QString n = QString::number(i);
+                    if (model == "syncout") // SyncOut1 cannot be GPO: it follows the acquisition (off) through its polarity
+                    {
+                        fm.SetValue("SyncOutSelector", "SyncOut" + QString::number(i + 1));
+                        fm.SetValue("SyncOutSource", i ? "GPO" : "AcquisitionActive");
+                        fm.SetValue("SyncOutPolarity", c & 1 ? "Invert" : "Normal");
+                        fm.SetValue("SyncOutLevels", double(c & 7)); // the masks' bits: the same levels
+                        expected += QString::number((c >> i) & 1);
+                        continue;
+                    }
+                    const guint32 input = (c >> (3 - i)) & 1;
+                    camera.withAravisDevice([&](ArvDevice* d) { arv_device_write_register(d, 0x1140 + 4 * i, input, nullptr); });
+                    fm.SetValue("LineSelector", "Line" + n);
+                    fm.SetValue("LineMode", (c + i) % 3 ? "Output" : "Input");
+                    fm.SetValue("LineSource", users.value((c + i) % users.size()));
+                    fm.SetValue("LineInverter", double((c >> i) & 1));
+                    const int user = users.indexOf(fm.GetStringValue("LineSource"));
+                    QVERIFY(user >= 0 || fm.GetStringValue("LineMode") == "Input");
+                    const bool output = fm.GetStringValue("LineMode") == "Output";
+                    expected += QString::number(output ? ((c >> user) & 1) ^ int(fm.GetValue("LineInverter")) : input);
+                }
+                for (const FeatureList& list : {camera.features(), withoutAll})
+                {
+                    LineSampler sampler(list);
+                    QString levels;
+                    for (int level : sampler.sample())
+                        levels += QString::number(level);
+                    QVERIFY(sampler.source() == (list == withoutAll ? model == "syncout" ? LineSampler::LevelMasks
+                                                                                          : LineSampler::StatusWalk
+                                                                    : LineSampler::StatusAll));
+                }
+            }
+        }
     }
 };
 
