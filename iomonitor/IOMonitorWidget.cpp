@@ -7,11 +7,14 @@
 
 #include <QApplication>
 #include <QDateTime>
+#include <QDir>
 #include <QFileDialog>
 #include <QLabel>
 #include <QMessageBox>
 #include <QMutexLocker>
 #include <QSaveFile>
+#include <QSettings>
+#include <QStandardPaths>
 #include <QTimer>
 #include <QTranslator>
 
@@ -33,6 +36,9 @@ namespace
 
 // The parent's dynamic property on which a page hands its history on to its successor.
 const char* const CarryOverProperty = "triggerioCarryOver";
+
+// The setting that keeps the folder the traces were saved to last.
+const char* const SaveFolderKey = "IOMonitor/saveFolder";
 
 // Samples are kept this long, the longest window the page shows.
 const qint64 KeptMs = 60000;
@@ -344,7 +350,8 @@ bool IOMonitorWidget::saveVcd(const QString& path, QString* error) const
 {
     QSaveFile file(path);
     const QByteArray dump =
-        VcdWriter::dump(traces(), m_lastSampleMs - ui->sb_Window->value() * 1000, m_lastSampleMs,
+        // To the end of the last sample's millisecond, so that a reader shows its levels too.
+        VcdWriter::dump(traces(), m_lastSampleMs - ui->sb_Window->value() * 1000, m_lastSampleMs + 1,
                         QDateTime::currentDateTime());
     if (!file.open(QIODevice::WriteOnly) || file.write(dump) != dump.size() || !file.commit())
     {
@@ -357,9 +364,21 @@ bool IOMonitorWidget::saveVcd(const QString& path, QString* error) const
 
 void IOMonitorWidget::OnSaveClicked()
 {
-    const QString path = QFileDialog::getSaveFileName(this, tr("Save traces"), "io-monitor.vcd",
+    // In the folder saved to last, else in the user's documents folder (or
+    // home, without one): never the working folder, which an installed viewer
+    // may not write to.
+    QSettings settings;
+    QString folder = settings.value(SaveFolderKey).toString();
+    if (folder.isEmpty() || !QDir(folder).exists())
+        folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    if (!QDir(folder).exists())
+        folder = QDir::homePath();
+    const QString path = QFileDialog::getSaveFileName(this, tr("Save traces"), QDir(folder).filePath("io-monitor.vcd"),
                                                       tr("Value Change Dump (*.vcd)"));
+    if (path.isEmpty())
+        return;
+    settings.setValue(SaveFolderKey, QFileInfo(path).absolutePath());
     QString error;
-    if (!path.isEmpty() && !saveVcd(path, &error))
+    if (!saveVcd(path, &error))
         QMessageBox::warning(this, tr("Save traces"), tr("Could not write %1: %2").arg(path, error));
 }

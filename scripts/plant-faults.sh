@@ -333,10 +333,16 @@ m-trig-fallin~monitor~iomonitor/TriggerMonitor.cpp~activation == "FallingEdge" |
 m-vcd-x~monitor~iomonitor/VcdWriter.cpp~SignalTrace::Unknown ? 'x' : level~SignalTrace::Unknown ? 'z' : level~an unknown level written as z (high impedance), not x
 m-vcd-timescale~monitor~iomonitor/VcdWriter.cpp~$timescale 1ms~$timescale 1us~millisecond time stamps declared as microseconds
 m-vcd-origin~monitor~iomonitor/VcdWriter.cpp~QByteArray::number(it.key() - fromMs)~QByteArray::number(it.key())~sample times written on the monitor's clock, not from the start of the dump
-m-vcd-stamp~monitor~iomonitor/VcdWriter.cpp~        out += '#' + QByteArray::number(it.key() - fromMs)~        if (std::all_of(it.value().cbegin(), it.value().cend(),\n                        [&](const QPair<int, int>& c) { return last.at(c.first) == c.second; }))\n            continue;\n        out += '#' + QByteArray::number(it.key() - fromMs)~a sample that changes no level gets no time stamp
+m-vcd-stamp~monitor~iomonitor/VcdWriter.cpp~        out += '#' + QByteArray::number(it.key() - fromMs)~        bool changes = false;\n        for (int i = 0; i < traces.size(); ++i)\n            changes |= last.at(i) != (it.value().at(i) == NotSampled ? SignalTrace::Unknown : it.value().at(i));\n        if (!changes)\n            continue;\n        out += '#' + QByteArray::number(it.key() - fromMs)~a sample that changes no level gets no time stamp
 m-walk-restore~monitor~iomonitor/SelectorWalk.cpp~    if (current != savedEntry && selector->SetValue(saved.c_str()) != OrvErrorSuccess &&~    if (current != savedEntry && selector->SetValue(current.toStdString().c_str()) != OrvErrorSuccess &&~the walk "restores" the selector to the last entry it read
 m-walk-first~monitor~iomonitor/SelectorWalk.cpp~    const int first = entries.indexOf(savedEntry);~    const int first = -1;~the entry the selector stands on is written and read in turn like the others
 m-entry-value~monitor~iomonitor/LineSampler.cpp~auto* values = dynamic_cast<OrvCPP::EnumEntryValues*>(selector.get());~OrvCPP::EnumEntryValues* values = nullptr;~a line's bit taken from its name or position, not from the value the camera's description gives its selector entry
+m-vcd-unsampled~monitor~iomonitor/VcdWriter.cpp~it.value().at(i) == NotSampled ? SignalTrace::Unknown :~it.value().at(i) == NotSampled ? last.at(i) :~a trace not sampled at a time stamp keeps its last level in the dump, not x
+m-vcd-unique~monitor~iomonitor/VcdWriter.cpp~for (int n = 2; taken.contains(tried); ++n)~for (int n = 2; false; ++n)~two rows whose names clean up alike get the same wire name
+m-vcd-own-name~monitor~iomonitor/VcdWriter.cpp~        if (name == traces.at(i)->name().toLatin1() && !taken.contains(name))~        if (false)~a name that is an identifier already gives way to a cleaned one
+m-vcd-last-stamp~monitor~iomonitor/IOMonitorWidget.cpp~m_lastSampleMs + 1,~m_lastSampleMs,~the saved dump ends at the last sample, which a reader then does not show
+m-save-documents~monitor~iomonitor/IOMonitorWidget.cpp~        folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);~        folder = QDir::currentPath();~"Save..." proposes the working folder, not the documents folder
+m-save-remember~monitor~iomonitor/IOMonitorWidget.cpp~    settings.setValue(SaveFolderKey, QFileInfo(path).absolutePath());~~"Save..." forgets the folder saved to last
 LIST
 )
 

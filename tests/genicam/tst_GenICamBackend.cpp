@@ -590,6 +590,7 @@ private slots:
                     QVERIFY(sampler.source() == (list == withoutAll ? model == "syncout" ? LineSampler::LevelMasks
                                                                                           : LineSampler::StatusWalk
                                                                     : LineSampler::StatusAll));
+                    QCOMPARE(levels, expected);
                 }
             }
         }

@@ -4,9 +4,12 @@
 #include "TestCamera.h"
 #include "VcdWriter.h"
 
+#include <QApplication>
 #include <QCheckBox>
+#include <QFileDialog>
 #include <QLabel>
 #include <QPluginLoader>
+#include <QProcess>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTemporaryDir>
@@ -92,6 +95,8 @@ private slots:
     void triggerSentence();
     void readsOnlyWhileShownEnabledAndRunning();
     void vcdRoundTrips();
+    void sigrokReadsTheDump();
+    void saveProposesDocumentsThenLastFolder();
     void moduleServesOnlyCamerasWithLines();
 };
 
@@ -232,19 +237,22 @@ void tst_IOMonitor::readsOnlyWhileShownEnabledAndRunning()
 }
 
 // A dump parsed back gives each signal's changes at the sample times, with
-// "x" for a failed read, a time stamp for every sample (also one that changes
-// nothing) and the end, and names GTKWave accepts.
+// "x" for a failed read and for a stamp at which the signal was not sampled,
+// a time stamp for every sample (also one that changes nothing) and the end,
+// and distinct names, each signal's own where it is an identifier.
 void tst_IOMonitor::vcdRoundTrips()
 {
-    SignalTrace line("Line 0"), state("FrameTriggerWait");
+    SignalTrace line("Line 0"), state("FrameTriggerWait"), other("Line_0");
     const QVector<QPair<qint64, QPair<int, int>>> samples{
-        {900, {1, 0}}, {1000, {0, 0}}, {1100, {1, 1}}, {1200, {-1, 1}}, {1300, {1, 0}}, {1400, {0, 0}}, {1450, {0, 0}}};
+        {900, {1, 0}}, {1000, {0, 0}}, {1100, {1, 1}}, {1200, {-1, 9}}, {1300, {1, 0}}, {1400, {0, 0}}, {1450, {0, 0}}};
     for (const auto& sample : samples)
     {
         line.append(sample.first, sample.second.first);
-        state.append(sample.first, sample.second.second);
+        if (sample.second.second != 9) // not sampled
+            state.append(sample.first, sample.second.second);
     }
-    const QByteArray dump = VcdWriter::dump({&line, &state}, 1000, 1500, QDateTime::currentDateTime());
+    other.append(1000, 1);
+    const QByteArray dump = VcdWriter::dump({&line, &state, &other}, 1000, 1500, QDateTime::currentDateTime());
 
     QMap<QByteArray, QByteArray> names;
     QMap<QByteArray, QStringList> changes;
@@ -259,11 +267,83 @@ void tst_IOMonitor::vcdRoundTrips()
         else if (!text.isEmpty() && QByteArray("01x").contains(text.at(0)))
             changes[names.value(text.mid(1))] << time + ":" + text.at(0);
     }
-    QCOMPARE(names.values(), QList<QByteArray>({"Line_0", "FrameTriggerWait"}));
-    QCOMPARE(changes.value("Line_0"), QStringList({"0:0", "100:1", "200:x", "300:1", "400:0"}));
-    QCOMPARE(changes.value("FrameTriggerWait"), QStringList({"0:0", "100:1", "300:0"}));
+    QCOMPARE(names.values(), QList<QByteArray>({"Line_0_2", "FrameTriggerWait", "Line_0"}));
+    QCOMPARE(changes.value("Line_0_2"), QStringList({"0:0", "100:1", "200:x", "300:1", "400:0"}));
+    QCOMPARE(changes.value("FrameTriggerWait"), QStringList({"0:0", "100:1", "200:x", "300:0"}));
+    QCOMPARE(changes.value("Line_0"), QStringList({"0:1", "100:x"}));
     QCOMPARE(stamps, QByteArray(" 0 100 200 300 400 450 500"));
     QVERIFY(dump.contains("$timescale 1ms $end") && dump.endsWith("#500\n"));
+}
+
+// sigrok-cli reads a dump the page saved with the levels the page sampled, at
+// the times it sampled them. sigrok knows no unknown level: a failed read and
+// time not sampled (here the page paused) read as low, 0, until the next sample.
+void tst_IOMonitor::sigrokReadsTheDump()
+{
+    std::unique_ptr<TestCamera> cam = camera("all");
+    QWidget parent;
+    IOMonitorWidget* page = new IOMonitorWidget(cam->features(), &parent);
+    page->findChild<QSpinBox*>("sb_Rate")->setValue(50);
+    page->findChild<QSpinBox*>("sb_Window")->setValue(2);
+    parent.show();
+    for (int step = 0; step < 12; ++step)
+    {
+        cam->set("LineStatusAll", 14 - step % 3 * 4); // Line1 high, the others change
+        if (step == 4)
+            cam->fail("LineStatusAll", "GetInt", OrvErrorTimeout, 2);
+        if (step == 7 || step == 9)
+            page->findChild<QPushButton*>("pb_Pause")->click();
+        QTest::qWait(50);
+    }
+    QTemporaryDir dir;
+    QVERIFY(page->saveVcd(dir.filePath("t.vcd"), nullptr));
+    QProcess sigrok;
+    sigrok.start("sigrok-cli", {"-I", "vcd", "-i", dir.filePath("t.vcd"), "-O", "csv"});
+    QVERIFY(sigrok.waitForFinished(60000) && sigrok.exitCode() == 0);
+    QList<QByteArray> rows; // one a millisecond from the start of the dump, "0,1,..." in the order of the rows
+    for (const QByteArray& text : sigrok.readAllStandardOutput().split('\n'))
+        if (text.startsWith('0') || text.startsWith('1'))
+            rows << text;
+    const qint64 from = page->traces().at(0)->samples().last().ms - 2000;
+    QCOMPARE(rows.size(), 2001);
+    int unknown = 0;
+    for (int t = 0; t < page->traces().size(); ++t)
+    {
+        const QVector<SignalTrace::Sample>& samples = page->traces().at(t)->samples();
+        for (int i = 0; i < samples.size(); ++i)
+        {
+            const int level = qMax(samples.at(i).level, 0), end = i + 1 < samples.size() ? samples.at(i + 1).ms : from + 2001;
+            unknown += samples.at(i).level == SignalTrace::Unknown;
+            for (qint64 ms = qMax(samples.at(i).ms, from); ms < end; ++ms)
+                QVERIFY2(rows.at(int(ms - from)).split(',').at(t) == QByteArray::number(level), qPrintable(QString::number(ms)));
+        }
+    }
+    QVERIFY(unknown >= 3 + 4); // a failed read of the three lines, the pause in them and in "Acquiring"
+}
+
+// "Save..." proposes a file in the documents folder, then in the folder saved to last.
+void tst_IOMonitor::saveProposesDocumentsThenLastFolder()
+{
+    QTemporaryDir home, dir;
+    qputenv("HOME", home.path().toLocal8Bit()); // its documents folder and (test mode) settings
+    QStandardPaths::setTestModeEnabled(true);
+    QVERIFY(QDir(home.path()).mkdir("Documents"));
+    std::unique_ptr<TestCamera> cam = camera("walk");
+    QWidget parent;
+    IOMonitorWidget page(cam->features(), &parent);
+    QStringList proposed;
+    for (int i = 0; i < 2; ++i)
+    {
+        QTimer::singleShot(0, [&] {
+            auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+            proposed << dialog->directory().absolutePath() + "/" + dialog->selectedFiles().value(0).section('/', -1);
+            dialog->selectFile(dir.filePath(QString("t%1.vcd").arg(i)));
+            QMetaObject::invokeMethod(dialog, "accept");
+        });
+        page.findChild<QPushButton*>("pb_Save")->click();
+    }
+    QCOMPARE(proposed, QStringList({home.path() + "/Documents/io-monitor.vcd", dir.path() + "/io-monitor.vcd"}));
+    QVERIFY(QFile::exists(dir.filePath("t1.vcd")));
 }
 
 // Loaded as a host loads it: a page titled "I/O Monitor" after the Trigger
