@@ -74,6 +74,19 @@ void apply(TestCamera& cam, IOMonitorWidget& page, const QString& source, const 
     page.camIsStreaming(parts.value(2) == "1");
 }
 
+// The page's lines found, and one sample taken, on its sampler's thread.
+bool found(IOMonitorWidget& page)
+{
+    return QTest::qWaitFor([&] { return !page.traces().isEmpty(); });
+}
+
+bool sample(IOMonitorWidget& page)
+{
+    QSignalSpy sampled(&page, &IOMonitorWidget::sampled);
+    page.sampleNow();
+    return sampled.wait(10000);
+}
+
 QString levelsOf(const SignalTrace& trace)
 {
     QString text;
@@ -137,11 +150,12 @@ void tst_IOMonitor::scriptedLevelsGiveTraces()
     IOMonitorWidget page(cam->features(), &parent);
     QCheckBox* states = page.findChild<QCheckBox*>("cb_States");
     states->setChecked(true);
+    QVERIFY(found(page));
     cam->takeJournal();
     for (const QString& step : steps)
     {
         apply(*cam, page, source, step);
-        page.sampleNow();
+        QVERIFY(sample(page));
         QCOMPARE(cam->takeJournal(), writesPerSample);
     }
     QCOMPARE(page.traces().size(), traces.size());
@@ -156,7 +170,7 @@ void tst_IOMonitor::scriptedLevelsGiveTraces()
     QCOMPARE(page.traces().at(0)->rising() + page.traces().at(0)->falling(), 0);
     // Unless asked for, the states are not read: LineStatusAll is then the one call of a sample.
     states->setChecked(false);
-    page.sampleNow();
+    QVERIFY(sample(page));
     QCOMPARE(cam->takeJournal(), source == "walk" ? writesPerSample : QStringList());
     QCOMPARE(page.traces().at(3)->samples().size(), steps.size() + (source == "all" ? 0 : 1));
 }
@@ -200,6 +214,7 @@ void tst_IOMonitor::triggerSentence()
     }
     QWidget parent;
     IOMonitorWidget page(cam->features(), &parent);
+    QVERIFY(found(page));
     QCOMPARE(page.findChild<QLabel*>("l_Trigger")->text(), sentence);
     for (const QString& write : cam->takeJournal())
         QVERIFY2(write.startsWith("LineSelector="), qPrintable(write));
@@ -213,12 +228,14 @@ void tst_IOMonitor::readsOnlyWhileShownEnabledAndRunning()
     QWidget parent;
     IOMonitorWidget* page = new IOMonitorWidget(cam->features(), &parent);
     page->findChild<QSpinBox*>("sb_Rate")->setValue(50);
+    QVERIFY(found(*page));
     const SignalTrace* line0 = page->traces().at(0);
     QVERIFY(!page->isSampling());
     parent.show();
     QTRY_VERIFY_WITH_TIMEOUT(line0->samples().size() >= 3, 10000);
     auto stopsReading = [&](const char* what) {
         QVERIFY2(!page->isSampling() && line0->level() == SignalTrace::Unknown, what); // not sampled from now: a gap
+        QTest::qWait(100); // a sample under way when it stopped ends
         cam->takeJournal();
         const int taken = line0->samples().size();
         QTest::qWait(100);
