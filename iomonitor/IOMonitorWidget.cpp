@@ -104,6 +104,14 @@ IOMonitorWidget::IOMonitorWidget(const FeatureList& features, QWidget* parent)
         m_before = parent->property(CarryOverProperty).value<std::shared_ptr<History>>();
         parent->setProperty(CarryOverProperty, QVariant::fromValue(m_history));
     }
+    // The predecessor's settings at once, its traces once the rows are there.
+    if (m_before && m_before != m_history && m_before->rate != 0)
+    {
+        ui->sb_Rate->setValue(m_before->rate);
+        ui->sb_Window->setValue(m_before->seconds);
+        ui->cb_States->setChecked(m_before->states);
+        ui->pb_Pause->setChecked(m_before->paused);
+    }
 
     connect(m_sampler.get(), &MonitorSampler::found, this, &IOMonitorWidget::OnFound);
     connect(m_sampler.get(), &MonitorSampler::sampled, this, &IOMonitorWidget::OnSampled);
@@ -173,10 +181,6 @@ void IOMonitorWidget::takeOver(const std::shared_ptr<History>& before)
 {
     if (!before || before == m_history || before->rate == 0)
         return;
-    ui->sb_Rate->setValue(before->rate);
-    ui->sb_Window->setValue(before->seconds);
-    ui->cb_States->setChecked(before->states);
-    ui->pb_Pause->setChecked(before->paused);
     // The predecessor's sample times, on this page's clock.
     const qint64 shift = before->clockStart - m_clock.msecsSinceReference();
     for (SignalTrace& trace : before->traces)
@@ -342,7 +346,8 @@ void IOMonitorWidget::request(qint64 now)
         m_pendingSince = now;
     const bool states = ui->cb_States->isChecked();
     MonitorSampler* sampler = m_sampler.get();
-    QMetaObject::invokeMethod(sampler, [sampler, now, states] { sampler->sample(now, states); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        sampler, [sampler, now, states] { sampler->sample(now, states); }, Qt::QueuedConnection);
 }
 
 void IOMonitorWidget::sampleNow()

@@ -125,11 +125,11 @@ private:
     bool m_found = false;
     int m_lineCount = 0;
     int m_stateCount = 0;
-    int m_source = 0; // LineSampler::Source
+    int m_source = 0;  // LineSampler::Source
     int m_pending = 0; // samples asked for and not answered
     qint64 m_pendingSince = 0;
     bool m_noAnswer = false;
-    qint64 m_lastAppendedMs = 0; // a sample answered for an earlier time comes too late
+    qint64 m_lastAppendedMs = 0;       // a sample answered for an earlier time comes too late
     std::shared_ptr<History> m_before; // the predecessor's, until the rows are there
     std::vector<std::unique_ptr<Row>> m_rows;
     bool m_bAcquiring = false;

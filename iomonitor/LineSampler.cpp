@@ -76,7 +76,8 @@ LineSampler::LineSampler(const FeatureList& features)
     m_inLevels = m_features.GetFeatureByName("LineInLevels", "SyncInLevels");
     const QVector<int> outBits =
         lineBits(m_features.GetFeatureByName("LineOutSelector", "SyncOutSelector"), outputs, m_statusAll != nullptr);
-    const QVector<int> inBits = lineBits(m_features.GetFeatureByName("LineInSelector", "SyncInSelector"), inputs, false);
+    const QVector<int> inBits =
+        lineBits(m_features.GetFeatureByName("LineInSelector", "SyncInSelector"), inputs, false);
     for (int i = 0; i < outputs.size(); ++i)
         m_lines.append(Line{outputs.at(i), QString("Output"), outBits.at(i), false});
     for (int i = 0; i < inputs.size(); ++i)

@@ -301,7 +301,7 @@ v-popup~viewer~viewer/ViewerWindow.cpp~ || QApplication::activePopupWidget()~~th
 v-current~viewer~viewer/ViewerWindow.cpp~m_tabs->setCurrentIndex(i);~m_tabs->setCurrentIndex(0);~the first page is current after a rebuild
 v-carry~viewer~viewer/ViewerWindow.cpp~buildPages(carried);~buildPages();~the rebuild hands no page's history on
 v-handover~viewer~iomonitor/IOMonitorWidget.cpp~        m_history->traces.push_back(std::move(row->trace));~        (void)row;~a deleted monitor page offers no traces
-v-settings~viewer~iomonitor/IOMonitorWidget.cpp~    ui->sb_Window->setValue(before->seconds);\n~~the monitor's time window is not taken over
+v-settings~viewer~iomonitor/IOMonitorWidget.cpp~        ui->sb_Window->setValue(m_before->seconds);\n~~the monitor's time window is not taken over
 v-gap~viewer~iomonitor/IOMonitorWidget.cpp~        m_pSampleTimer->stop();\n        markNotSampled();~        m_pSampleTimer->stop();~time not sampled is drawn as the last level held
 g-chain-limit~graph~orvcpp/genicam/GenICamReferenceGraph.cpp~deep ? depth[state] <= MaxChainLength~deep ? depth[state] < MaxChainLength~a chain exactly at the length limit is refused
 g-eval-limit~graph~orvcpp/genicam/GenICamReferenceGraph.h~MaxEvaluations = 50000;~MaxEvaluations = 500000;~the evaluation limit ten times higher

@@ -293,7 +293,8 @@ OrvErrorType GenICamFeature::GetEntryValue(const char* entry, long long& value)
             OrvErrorType code = findEntry(entry, node);
             gint64 number = 0;
             if (code == OrvErrorSuccess)
-                code = aravis(number, [&](GError** e) { return arv_gc_enum_entry_get_value(ARV_GC_ENUM_ENTRY(node), e); });
+                code =
+                    aravis(number, [&](GError** e) { return arv_gc_enum_entry_get_value(ARV_GC_ENUM_ENTRY(node), e); });
             if (code == OrvErrorSuccess)
                 value = number;
             return code;

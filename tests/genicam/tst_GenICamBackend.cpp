@@ -557,11 +557,12 @@ private slots:
             {
                 QString expected;
                 for (int u = 0; u < users.size(); ++u)
-                    fm.SetValue("UserOutputSelector", users.at(u)), fm.SetValue("UserOutputValue", double((c >> u) & 1));
+                    fm.SetValue("UserOutputSelector", users.at(u)),
+                        fm.SetValue("UserOutputValue", double((c >> u) & 1));
                 for (int i = 0; i < (model == "syncout" ? 3 : 4); ++i)
                 {
-                    const QString n = QString::number(i);
-                    if (model == "syncout") // SyncOut1 cannot be GPO: it follows the acquisition (off) through its polarity
+                    if (model ==
+                        "syncout") // SyncOut1 cannot be GPO: it follows the acquisition (off) through its polarity
                     {
                         fm.SetValue("SyncOutSelector", "SyncOut" + QString::number(i + 1));
                         fm.SetValue("SyncOutSource", i ? "GPO" : "AcquisitionActive");
@@ -571,15 +572,17 @@ private slots:
                         continue;
                     }
                     const guint32 input = (c >> (3 - i)) & 1;
-                    camera.withAravisDevice([&](ArvDevice* d) { arv_device_write_register(d, 0x1140 + 4 * i, input, nullptr); });
-                    fm.SetValue("LineSelector", "Line" + n);
+                    camera.withAravisDevice([&](ArvDevice* d)
+                                            { arv_device_write_register(d, 0x1140 + 4 * i, input, nullptr); });
+                    fm.SetValue("LineSelector", "Line" + QString::number(i));
                     fm.SetValue("LineMode", (c + i) % 3 ? "Output" : "Input");
                     fm.SetValue("LineSource", users.value((c + i) % users.size()));
                     fm.SetValue("LineInverter", double((c >> i) & 1));
-                    const int user = users.indexOf(fm.GetStringValue("LineSource"));
-                    QVERIFY(user >= 0 || fm.GetStringValue("LineMode") == "Input");
+                    const int user = users.indexOf(fm.GetStringValue("LineSource")),
+                              inverted = fm.GetValue("LineInverter");
                     const bool output = fm.GetStringValue("LineMode") == "Output";
-                    expected += QString::number(output ? ((c >> user) & 1) ^ int(fm.GetValue("LineInverter")) : input);
+                    QVERIFY(user >= 0 || !output);
+                    expected += QString::number(output ? ((c >> user) & 1) ^ inverted : input);
                 }
                 for (const FeatureList& list : {camera.features(), withoutAll})
                 {
@@ -587,10 +590,10 @@ private slots:
                     QString levels;
                     for (int level : sampler.sample())
                         levels += QString::number(level);
-                    QVERIFY(sampler.source() == (list == withoutAll ? model == "syncout" ? LineSampler::LevelMasks
-                                                                                          : LineSampler::StatusWalk
-                                                                    : LineSampler::StatusAll));
-                    QCOMPARE(levels, expected);
+                    QCOMPARE(levels + QString::number(sampler.source()),
+                             expected + QString::number(list != withoutAll   ? LineSampler::StatusAll
+                                                        : model == "syncout" ? LineSampler::LevelMasks
+                                                                             : LineSampler::StatusWalk));
                 }
             }
         }

@@ -201,7 +201,7 @@ public:
 
     bool BeginExclusive(int timeoutMs) override
     {
-        const std::shared_ptr<Core> core = m_core.lock();
+        const std::shared_ptr<Core> core = m_core.lock(); // the camera may be gone
         return core && core->run.try_lock_for(std::chrono::milliseconds(timeoutMs));
     }
     void EndExclusive() override

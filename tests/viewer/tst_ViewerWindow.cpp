@@ -52,10 +52,10 @@ private slots:
         // Row r's lamp (column 2) or edges (4); rows Line0-3, AcquisitionActive, FrameTriggerWait, Acquiring.
         auto cell = [&](int r, int c)
         { return static_cast<QLabel*>(page->findChild<QGridLayout*>("grid_Lines")->itemAtPosition(r, c)->widget()); };
-        // Line1 follows UserOutput0: one rising edge between two samples.
-        QMetaObject::invokeMethod(page->layout()->itemAt(0)->widget(), "sampleNow");
+        // Line1 follows UserOutput0: one rising edge between samples (taken on the page's own thread).
+        QVERIFY(QSignalSpy(page->layout()->itemAt(0)->widget(), SIGNAL(sampled())).wait(10000));
         lost->withAravisDevice([](auto d) { arv_device_set_boolean_feature_value(d, "UserOutputValue", 1, nullptr); });
-        QMetaObject::invokeMethod(page->layout()->itemAt(0)->widget(), "sampleNow");
+        QTRY_VERIFY(cell(1, 2)->styleSheet().contains("80, 220, 120"));
 
         std::weak_ptr<GenICamCamera> found;
         auto reconnect = [&] // true when the window waits
@@ -94,9 +94,8 @@ private slots:
         // The host's acquisition and the camera's state reach the monitor built anew.
         page->findChild<QCheckBox*>("cb_States")->setChecked(true);
         window->acquireButton()->click();
-        QMetaObject::invokeMethod(page->layout()->itemAt(0)->widget(), "sampleNow");
         for (int row : {4, 6})
-            QVERIFY(cell(row, 2)->styleSheet().contains("80, 220, 120"));
+            QTRY_VERIFY(cell(row, 2)->styleSheet().contains("80, 220, 120"));
 
         (new QMenu(page))->popup({});
         QVERIFY(reconnect() && !found.expired());
@@ -158,6 +157,37 @@ private slots:
         camera.withAravisDevice([&](ArvDevice* device) { arv_device_read_register(device, 0x0a00, &privilege, nullptr); });
         QCOMPARE(privilege & 0x3, guint32(0x2)); // control, not exclusive
         QVERIFY(!camera.isDeviceLost());
+    }
+
+    // The I/O Monitor shown on a camera that stops answering: the GUI thread never waits for it (no event
+    // waits longer than 200 ms), the traces show the gap ("no answer"), the camera is reported lost as ever.
+    void silentCameraNeverHoldsTheMonitor()
+    {
+        GenICamCamera camera;
+        QCOMPARE(camera.open("127.0.0.1"), OrvErrorSuccess);
+        ViewerWindow window(&camera);
+        QCOMPARE(window.addTabs(TRIGGERIO_PLUGIN_DIR), 2);
+        window.show();
+        window.tabs()->setCurrentIndex(1);
+        QWidget* page = window.tabs()->widget(1);
+        QTRY_VERIFY(page->findChild<QGridLayout*>("grid_Lines")->itemAtPosition(0, 2)); // the lines found
+        auto* lamp = static_cast<QLabel*>(page->findChild<QGridLayout*>("grid_Lines")->itemAtPosition(0, 2)->widget());
+        QTRY_VERIFY(!lamp->styleSheet().contains("gray")); // Line0 sampled
+        QElapsedTimer clock;
+        qint64 last = 0, longest = 0;
+        QTimer beat;
+        connect(&beat, &QTimer::timeout,
+                [&] { longest = qMax(longest, clock.elapsed() - last), last = clock.elapsed(); });
+        clock.start();
+        beat.start(10);
+        m_server.pause();
+        QTRY_VERIFY(lamp->styleSheet().contains("gray") &&
+                    page->findChild<QLabel*>("l_SamplingNote")->text().startsWith("No answer"));
+        QVERIFY(!window.isCameraLost()); // a gap before the loss
+        QTRY_VERIFY_WITH_TIMEOUT(window.isCameraLost() && !window.tabs()->isEnabled(), 20000);
+        QTest::qWait(500);
+        QVERIFY2(longest <= 200, qPrintable(QString("the GUI waited %1 ms").arg(longest)));
+        m_server.resume();
     }
 };
 
