@@ -205,6 +205,7 @@ void IOMonitorWidget::addRow(const QString& name, const QString& kind)
     std::unique_ptr<Row> row(new Row{SignalTrace(name), new QLabel(kind), new QLabel, nullptr, new QLabel});
     row->trace.setKind(kind);
     row->strip = new TraceStrip(&row->trace);
+    row->lamp->setObjectName(QString("lamp%1").arg(m_rows.size())); // lamp0 for the first row
     row->lamp->setFixedSize(14, 14);
     row->lamp->setStyleSheet(lampStyle(row->lampLevel));
     row->edges->setToolTip(tr("Rising and falling edges seen since the last reset"));
@@ -456,26 +457,28 @@ bool IOMonitorWidget::saveVcd(const QString& path, QString* error) const
             *error = file.errorString();
         return false;
     }
+    QSettings().setValue(SaveFolderKey, QFileInfo(path).absolutePath());
     return true;
 }
 
-void IOMonitorWidget::OnSaveClicked()
+QString IOMonitorWidget::proposedSavePath() const
 {
     // In the folder saved to last, else in the user's documents folder (or
     // home, without one): never the working folder, which an installed viewer
     // may not write to.
-    QSettings settings;
-    QString folder = settings.value(SaveFolderKey).toString();
+    QString folder = QSettings().value(SaveFolderKey).toString();
     if (folder.isEmpty() || !QDir(folder).exists())
         folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
     if (!QDir(folder).exists())
         folder = QDir::homePath();
-    const QString path = QFileDialog::getSaveFileName(this, tr("Save traces"), QDir(folder).filePath("io-monitor.vcd"),
-                                                      tr("Value Change Dump (*.vcd)"));
-    if (path.isEmpty())
-        return;
-    settings.setValue(SaveFolderKey, QFileInfo(path).absolutePath());
+    return QDir(folder).filePath("io-monitor.vcd");
+}
+
+void IOMonitorWidget::OnSaveClicked()
+{
+    const QString path =
+        QFileDialog::getSaveFileName(this, tr("Save traces"), proposedSavePath(), tr("Value Change Dump (*.vcd)"));
     QString error;
-    if (!saveVcd(path, &error))
+    if (!path.isEmpty() && !saveVcd(path, &error))
         QMessageBox::warning(this, tr("Save traces"), tr("Could not write %1: %2").arg(path, error));
 }

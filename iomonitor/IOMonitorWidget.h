@@ -62,8 +62,12 @@ public:
     // Lines first, then the acquisition states, in the order of the rows;
     // empty until the sampler has found the lines.
     QVector<const SignalTrace*> traces() const;
-    // Writes what the traces show now as a Value Change Dump.
+    // Writes what the traces show now as a Value Change Dump, and keeps its
+    // folder (QSettings) for the next proposedSavePath().
     bool saveVcd(const QString& path, QString* error) const;
+    // Where "Save..." proposes to save: io-monitor.vcd in the folder saved to
+    // last, else in the documents folder.
+    QString proposedSavePath() const;
 
     // What a page hands on to its successor (see above).
     struct History;

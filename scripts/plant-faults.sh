@@ -342,7 +342,7 @@ m-vcd-unique~monitor~iomonitor/VcdWriter.cpp~for (int n = 2; taken.contains(trie
 m-vcd-own-name~monitor~iomonitor/VcdWriter.cpp~        if (name == traces.at(i)->name().toLatin1() && !taken.contains(name))~        if (false)~a name that is an identifier already gives way to a cleaned one
 m-vcd-last-stamp~monitor~iomonitor/IOMonitorWidget.cpp~m_lastSampleMs + 1,~m_lastSampleMs,~the saved dump ends at the last sample, which a reader then does not show
 m-save-documents~monitor~iomonitor/IOMonitorWidget.cpp~        folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);~        folder = QDir::currentPath();~"Save..." proposes the working folder, not the documents folder
-m-save-remember~monitor~iomonitor/IOMonitorWidget.cpp~    settings.setValue(SaveFolderKey, QFileInfo(path).absolutePath());~~"Save..." forgets the folder saved to last
+m-save-remember~monitor~iomonitor/IOMonitorWidget.cpp~    QSettings().setValue(SaveFolderKey, QFileInfo(path).absolutePath());~~"Save..." forgets the folder saved to last
 LIST
 )
 

@@ -539,10 +539,9 @@ private slots:
         QCOMPARE(names, reported);
     }
 
-    // The I/O Monitor's levels on each demo model: through LineStatusAll and through the other source
-    // (LineSelector walk; sync-out: level masks) they equal the model's own. A line that is an output
-    // driven by a user output shows its value through the inverter, an input its status register
-    // (0x1140 + 4 n); a sync output on GPO its bit of SyncOutLevels, else its polarity (acquisition off).
+    // The I/O Monitor's levels on each demo model, through LineStatusAll and the other source (walk; sync-out: masks),
+    // are the model's: an output driven by a user output shows it through the inverter, an input its status register
+    // (0x1140 + 4 n); a sync output on GPO its bit of SyncOutLevels, SyncOut1 (never GPO) its polarity.
     void monitorLevelsFollowTheModels()
     {
         for (const QString model : {"line", "routing", "syncout"})
@@ -553,48 +552,39 @@ private slots:
             FeatureList withoutAll(new QVector<FeaturePtr>(*camera.features()));
             withoutAll->removeOne(fm.GetFeatureByName(QString("LineStatusAll")));
             const QStringList users = fm.GetAvailableEnumEntries("UserOutputSelector");
+            const bool sync = model == "syncout";
             for (int c = 0; c < 16; ++c)
             {
-                QString expected;
+                QString expected, levels;
                 for (int u = 0; u < users.size(); ++u)
-                    fm.SetValue("UserOutputSelector", users.at(u)),
-                        fm.SetValue("UserOutputValue", double((c >> u) & 1));
-                for (int i = 0; i < (model == "syncout" ? 3 : 4); ++i)
+                    fm.SetValue("UserOutputSelector", users.at(u)), fm.SetValue("UserOutputValue", (c >> u) & 1);
+                for (int i = 0; i < 4 - sync; ++i)
                 {
-                    if (model ==
-                        "syncout") // SyncOut1 cannot be GPO: it follows the acquisition (off) through its polarity
-                    {
-                        fm.SetValue("SyncOutSelector", "SyncOut" + QString::number(i + 1));
-                        fm.SetValue("SyncOutSource", i ? "GPO" : "AcquisitionActive");
-                        fm.SetValue("SyncOutPolarity", c & 1 ? "Invert" : "Normal");
-                        fm.SetValue("SyncOutLevels", double(c & 7)); // the masks' bits: the same levels
-                        expected += QString::number((c >> i) & 1);
-                        continue;
-                    }
-                    const guint32 input = (c >> (3 - i)) & 1;
+                    const guint32 input = sync ? (c >> i) & 1 : (c >> (3 - i)) & 1;
                     camera.withAravisDevice([&](ArvDevice* d)
-                                            { arv_device_write_register(d, 0x1140 + 4 * i, input, nullptr); });
-                    fm.SetValue("LineSelector", "Line" + QString::number(i));
-                    fm.SetValue("LineMode", (c + i) % 3 ? "Output" : "Input");
-                    fm.SetValue("LineSource", users.value((c + i) % users.size()));
-                    fm.SetValue("LineInverter", double((c >> i) & 1));
-                    const int user = users.indexOf(fm.GetStringValue("LineSource")),
-                              inverted = fm.GetValue("LineInverter");
-                    const bool output = fm.GetStringValue("LineMode") == "Output";
+                                            { arv_device_write_register(d, 0x1140 + 4 * i, input, 0); });
+                    fm.SetValue(sync ? "SyncOutSelector" : "LineSelector",
+                                sync ? "SyncOut" + QString::number(i + 1) : "Line" + QString::number(i));
+                    fm.SetValue(sync ? "SyncOutPolarity" : "LineMode", sync          ? c & 1 ? "Invert" : "Normal"
+                                                                       : (c + i) % 3 ? "Output"
+                                                                                     : "Input");
+                    fm.SetValue(sync ? "SyncOutSource" : "LineSource",
+                                sync ? i ? "GPO" : "AcquisitionActive" : users.value((c + i) % users.size()));
+                    fm.SetValue(sync ? "SyncOutLevels" : "LineInverter", sync ? c & 7 : (c >> i) & 1);
+                    const int user = users.indexOf(fm.GetStringValue("LineSource"));
+                    const bool output = !sync && fm.GetStringValue("LineMode") == "Output";
                     QVERIFY(user >= 0 || !output);
-                    expected += QString::number(output ? ((c >> user) & 1) ^ inverted : input);
+                    expected += QString::number(output ? ((c >> user) & 1) ^ int(fm.GetValue("LineInverter")) : input);
                 }
                 for (const FeatureList& list : {camera.features(), withoutAll})
                 {
                     LineSampler sampler(list);
-                    QString levels;
                     for (int level : sampler.sample())
                         levels += QString::number(level);
-                    QCOMPARE(levels + QString::number(sampler.source()),
-                             expected + QString::number(list != withoutAll   ? LineSampler::StatusAll
-                                                        : model == "syncout" ? LineSampler::LevelMasks
-                                                                             : LineSampler::StatusWalk));
+                    levels += QString::number(sampler.source());
                 }
+                QCOMPARE(levels, expected + QString::number(LineSampler::StatusAll) + expected +
+                                     QString::number(sync ? LineSampler::LevelMasks : LineSampler::StatusWalk));
             }
         }
     }

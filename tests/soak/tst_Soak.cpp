@@ -74,6 +74,21 @@ const char* const KindNames[] = {"build",   "edit",  "line edit", "preset", "cam
                                  "refresh", "fault", "delete",    "sample", "delete in preset"};
 const QStringList MonitorWalks{"LineSelector", "AcquisitionStatusSelector"};
 
+// The selectors (and the journal) between two runs of the monitor's calls on its thread.
+QMap<QString, QString> settled(TestCamera& cam, QStringList* journal = nullptr)
+{
+    auto* run = dynamic_cast<OrvCPP::ExclusiveAccess*>(cam.features()->first().get());
+    const bool held = run->BeginExclusive(10000);
+    QMap<QString, QString> selectors;
+    for (const QString& selector : Selectors)
+        selectors.insert(selector, cam.value(selector));
+    if (journal)
+        *journal = cam.takeJournal();
+    if (held)
+        run->EndExclusive();
+    return selectors;
+}
+
 // Where the soak is, for the last words of a sanitizer that stops the run.
 char whereNow[160];
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -130,15 +145,8 @@ void tst_Soak::soak_data()
 QString tst_Soak::checkStep(TestCamera& cam, Kind kind, const QMap<QString, QString>& before, bool tabGone)
 {
     const QString where = QString(" at step %1 (%2), seed %3").arg(m_step).arg(KindNames[kind]).arg(m_seed);
-    // The monitor samples on a thread of its own, in runs that no other calls come between: checked between runs.
-    auto* run = dynamic_cast<OrvCPP::ExclusiveAccess*>(cam.features()->first().get());
-    const bool held = run->BeginExclusive(10000);
-    const QStringList journal = cam.takeJournal();
-    QMap<QString, QString> now;
-    for (const QString& selector : Selectors)
-        now.insert(selector, cam.value(selector));
-    if (held)
-        run->EndExclusive();
+    QStringList journal;
+    const QMap<QString, QString> now = settled(cam, &journal);
 
     ++m_checks;
     const bool mayWrite = kind == Build || kind == Edit || kind == LineEdit || kind == Preset || kind == PresetDelete;
@@ -200,13 +208,7 @@ void tst_Soak::soak()
     QPointer<IOMonitorWidget> monitor;
     for (m_step = 0; m_step < ownSteps; ++m_step)
     {
-        auto* run = dynamic_cast<OrvCPP::ExclusiveAccess*>(cam.features()->first().get());
-        const bool held = run->BeginExclusive(10000); // between the monitor's runs
-        QMap<QString, QString> before;
-        for (const QString& selector : Selectors)
-            before.insert(selector, cam.value(selector));
-        if (held)
-            run->EndExclusive();
+        const QMap<QString, QString> before = settled(cam);
         Kind kind = static_cast<Kind>(1 + pick(10));
         if (!tab)
             kind = Build;

@@ -206,21 +206,17 @@ public:
     }
     void EndExclusive() override
     {
-        if (const std::shared_ptr<Core> core = m_core.lock())
-            core->run.unlock();
+        m_core.lock()->run.unlock(); // after BeginExclusive: the camera is there
     }
 
 private:
-    // The GUI thread's calls between two passes of its event loop form one
-    // run: the first takes the camera's run, the next pass gives it back.
-    // Calls of other threads (the notifier's observers) do not wait.
+    // The GUI thread's calls between two passes of its event loop are one run; other threads' calls do not wait.
     static void enterRun(const std::shared_ptr<Core>& core)
     {
         QCoreApplication* app = QCoreApplication::instance();
         if (!app || QThread::currentThread() != app->thread() || core->guiHolds)
             return;
-        core->run.lock();
-        core->guiHolds = true;
+        core->run.lock(), core->guiHolds = true;
         QTimer::singleShot(0, app, [core] { core->guiHolds = false, core->run.unlock(); });
     }
 
