@@ -302,7 +302,7 @@ v-current~viewer~viewer/ViewerWindow.cpp~m_tabs->setCurrentIndex(i);~m_tabs->set
 v-carry~viewer~viewer/ViewerWindow.cpp~buildPages(carried);~buildPages();~the rebuild hands no page's history on
 v-handover~viewer~iomonitor/IOMonitorWidget.cpp~        m_history->traces.push_back(std::move(row->trace));~        (void)row;~a deleted monitor page offers no traces
 v-settings~viewer~iomonitor/IOMonitorWidget.cpp~        ui->sb_Window->setValue(m_before->seconds);\n~~the monitor's time window is not taken over
-v-gap~viewer~iomonitor/IOMonitorWidget.cpp~        m_pSampleTimer->stop();\n        markNotSampled();~        m_pSampleTimer->stop();~time not sampled is drawn as the last level held
+v-gap~viewer~iomonitor/IOMonitorWidget.cpp~        m_pSampleTimer->stop();\n        markNotSampled(0, int(m_rows.size()) - 1);~        m_pSampleTimer->stop();~time not sampled is drawn as the last level held
 g-chain-limit~graph~orvcpp/genicam/GenICamReferenceGraph.cpp~deep ? depth[state] <= MaxChainLength~deep ? depth[state] < MaxChainLength~a chain exactly at the length limit is refused
 g-eval-limit~graph~orvcpp/genicam/GenICamReferenceGraph.h~MaxEvaluations = 50000;~MaxEvaluations = 500000;~the evaluation limit ten times higher
 g-eval-sum~graph~orvcpp/genicam/GenICamReferenceGraph.cpp~evaluations = std::min(evaluations + times * cost[target], 1e300);~evaluations = std::max(evaluations, 1 + times * cost[target]);~a node shared by several references counted once (as if Aravis cached values)
@@ -343,6 +343,10 @@ m-vcd-own-name~monitor~iomonitor/VcdWriter.cpp~        if (name == traces.at(i)-
 m-vcd-last-stamp~monitor~iomonitor/IOMonitorWidget.cpp~m_lastSampleMs + 1,~m_lastSampleMs,~the saved dump ends at the last sample, which a reader then does not show
 m-save-documents~monitor~iomonitor/IOMonitorWidget.cpp~        folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);~        folder = QDir::currentPath();~"Save..." proposes the working folder, not the documents folder
 m-save-remember~monitor~iomonitor/IOMonitorWidget.cpp~    QSettings().setValue(SaveFolderKey, QFileInfo(path).absolutePath());~~"Save..." forgets the folder saved to last
+m-sampler-gui~monitor~iomonitor/IOMonitorWidget.cpp~    QMetaObject::invokeMethod(\n        sampler, [sampler, now, states] { sampler->sample(now, states); }, Qt::QueuedConnection);~    sampler->sample(now, states);~a sample taken on the GUI thread, which then waits for a silent camera
+m-no-answer~monitor~iomonitor/IOMonitorWidget.cpp~    markNotSampled(0, m_lineCount + m_stateCount - 1);\n    m_rows.back()~    m_rows.back()~a sample the camera does not answer leaves the last level shown, not a gap
+m-no-answer-note~monitor~iomonitor/IOMonitorWidget.cpp~        m_noAnswer = true;~        m_noAnswer = false;~the page does not say that the camera does not answer
+m-exclusive~monitor~iomonitor/MonitorSampler.cpp~if (!m_access || m_access->BeginExclusive(AccessSliceMs))~if (true)~a sample's selector walk not bracketed: it comes between the Trigger IO tab's calls
 LIST
 )
 
