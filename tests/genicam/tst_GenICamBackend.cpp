@@ -539,9 +539,8 @@ private slots:
         QCOMPARE(names, reported);
     }
 
-    // The I/O Monitor's levels on each demo model, through LineStatusAll and the other source (walk; sync-out: masks),
-    // are the model's: an output driven by a user output shows it through the inverter, an input its status register
-    // (0x1140 + 4 n); a sync output on GPO its bit of SyncOutLevels, SyncOut1 (never GPO) its polarity.
+    // The I/O Monitor's levels (LineStatusAll; walk or masks) are the models': an output driven by a user output shows
+    // it through the inverter, an input register 0x1140 + 4 n; sync out GPO a SyncOutLevels bit, SyncOut1 its polarity.
     void monitorLevelsFollowTheModels()
     {
         for (const QString model : {"line", "routing", "syncout"})
