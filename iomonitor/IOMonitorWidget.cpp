@@ -1,17 +1,22 @@
 #include "IOMonitorWidget.h"
 #include "ui_IOMonitorWidget.h"
 
+#include "LineSampler.h"
+#include "MonitorSampler.h"
 #include "TabExtensionInterface.h"
 #include "TraceStrip.h"
 #include "VcdWriter.h"
 
 #include <QApplication>
 #include <QDateTime>
+#include <QDir>
 #include <QFileDialog>
 #include <QLabel>
 #include <QMessageBox>
 #include <QMutexLocker>
 #include <QSaveFile>
+#include <QSettings>
+#include <QStandardPaths>
 #include <QTimer>
 #include <QTranslator>
 
@@ -34,8 +39,15 @@ namespace
 // The parent's dynamic property on which a page hands its history on to its successor.
 const char* const CarryOverProperty = "triggerioCarryOver";
 
+// The setting that keeps the folder the traces were saved to last.
+const char* const SaveFolderKey = "IOMonitor/saveFolder";
+
 // Samples are kept this long, the longest window the page shows.
 const qint64 KeptMs = 60000;
+
+// A sample not answered for this long (or a sampling period, if longer) is a
+// gap in the traces.
+const qint64 NoAnswerMs = 150;
 
 const char* lampStyle(int level)
 {
@@ -61,11 +73,14 @@ void installTranslationOnce(QTranslator* translator)
 IOMonitorWidget::IOMonitorWidget(const FeatureList& features, QWidget* parent)
     : BaseTabPluginWidget(features, parent)
     , ui(new Ui::IOMonitorWidget)
-    , m_lines(features)
-    , m_trigger(features)
+    , m_sampler(new MonitorSampler(features))
     , m_history(std::make_shared<History>())
 {
-    if (m_lines.lines().isEmpty())
+    // Whether the camera has lines at all, from the names of its features
+    // alone: the lines themselves are found on the sampler's thread.
+    const FeatureManager names(features);
+    if (!names.GetFeatureByName("LineSelector", "LineOutSelector", "SyncOutSelector") &&
+        !names.GetFeatureByName("LineInSelector", "SyncInSelector"))
         throw TENotSupported("IOMonitorWidget", "No lines to monitor, widget not constructed");
     installTranslationOnce(GetTranslator("tabextensioniomonitor"));
     if (parent)
@@ -73,33 +88,38 @@ IOMonitorWidget::IOMonitorWidget(const FeatureList& features, QWidget* parent)
     setAccessibleName(tr("I/O Monitor"));
 
     ui->setupUi(this);
-    for (const LineSampler::Line& line : m_lines.lines())
-        addRow(line.name, QString());
-    updateDirections();
-    for (const QString& state : m_trigger.states())
-        addRow(state, tr("Camera state"));
-    // The viewer's own acquisition on/off costs no read.
-    addRow("Acquiring", tr("Viewer"));
-    ui->cb_States->setVisible(!m_trigger.states().isEmpty());
+    ui->cb_States->setVisible(false);
     ui->grid_Lines->setColumnStretch(3, 1);
-    ui->grid_Lines->setRowStretch(int(m_rows.size()), 1);
-
     m_pSampleTimer = new QTimer(this);
-    connect(m_pSampleTimer, SIGNAL(timeout()), this, SLOT(sampleNow()));
+    connect(m_pSampleTimer, &QTimer::timeout, this, &IOMonitorWidget::OnTick);
     connect(ui->sb_Rate, SIGNAL(valueChanged(int)), this, SLOT(OnRateChanged(int)));
     connect(ui->sb_Window, SIGNAL(valueChanged(int)), this, SLOT(OnWindowChanged(int)));
     connect(ui->pb_Pause, SIGNAL(toggled(bool)), this, SLOT(OnPauseToggled(bool)));
     connect(ui->pb_Reset, SIGNAL(clicked()), this, SLOT(OnResetClicked()));
     connect(ui->pb_Save, SIGNAL(clicked()), this, SLOT(OnSaveClicked()));
-    updateSamplingNote();
-    ui->l_Trigger->setText(m_trigger.sentence());
+    connect(ui->cb_States, &QCheckBox::toggled, this, &IOMonitorWidget::OnStatesToggled);
     m_clock.start();
     if (parent)
     {
-        takeOver(parent->property(CarryOverProperty).value<std::shared_ptr<History>>());
+        m_before = parent->property(CarryOverProperty).value<std::shared_ptr<History>>();
         parent->setProperty(CarryOverProperty, QVariant::fromValue(m_history));
     }
-    showRows();
+    // The predecessor's settings at once, its traces once the rows are there.
+    if (m_before && m_before != m_history && m_before->rate != 0)
+    {
+        ui->sb_Rate->setValue(m_before->rate);
+        ui->sb_Window->setValue(m_before->seconds);
+        ui->cb_States->setChecked(m_before->states);
+        ui->pb_Pause->setChecked(m_before->paused);
+    }
+
+    connect(m_sampler.get(), &MonitorSampler::found, this, &IOMonitorWidget::OnFound);
+    connect(m_sampler.get(), &MonitorSampler::sampled, this, &IOMonitorWidget::OnSampled);
+    connect(m_sampler.get(), &MonitorSampler::directionsRead, this, &IOMonitorWidget::OnDirectionsRead);
+    m_thread.setObjectName("iomonitor-sampler");
+    m_sampler->moveToThread(&m_thread);
+    m_thread.start();
+    QMetaObject::invokeMethod(m_sampler.get(), &MonitorSampler::find, Qt::QueuedConnection);
 
     m_ObservedFeatures << QStringList{"LineMode", "TriggerSelector", "TriggerMode", "TriggerSource",
                                       "TriggerActivation"};
@@ -108,9 +128,22 @@ IOMonitorWidget::IOMonitorWidget(const FeatureList& features, QWidget* parent)
 
 IOMonitorWidget::~IOMonitorWidget()
 {
-    // The history goes to whoever holds the offer, the parent's property or a copy of it.
+    // The sampler gives way at once unless it is inside a camera call; what
+    // it answers from now on is not delivered.
+    m_sampler->stop();
+    m_thread.quit();
+    m_thread.wait();
+    m_sampler.reset();
+    // The history goes to whoever holds the offer, the parent's property or a
+    // copy of it: the predecessor's when this page found no lines yet.
+    if (!m_found)
+    {
+        if (m_before && m_before != m_history)
+            *m_history = std::move(*m_before);
+        return;
+    }
     if (m_pSampleTimer->isActive())
-        markNotSampled();
+        markNotSampled(0, int(m_rows.size()) - 1);
     m_history->clockStart = m_clock.msecsSinceReference();
     m_history->rate = ui->sb_Rate->value();
     m_history->seconds = ui->sb_Window->value();
@@ -120,14 +153,34 @@ IOMonitorWidget::~IOMonitorWidget()
         m_history->traces.push_back(std::move(row->trace));
 }
 
+void IOMonitorWidget::OnFound(const QStringList& lines, const QStringList& directions, int source,
+                              const QStringList& states, const QString& sentence)
+{
+    m_found = true;
+    m_lineCount = lines.size();
+    m_stateCount = states.size();
+    m_source = source;
+    for (const QString& line : lines)
+        addRow(line, QString());
+    updateDirections(directions);
+    for (const QString& state : states)
+        addRow(state, tr("Camera state"));
+    // The viewer's own acquisition on/off costs no read.
+    addRow("Acquiring", tr("Viewer"));
+    ui->cb_States->setVisible(!states.isEmpty());
+    ui->grid_Lines->setRowStretch(int(m_rows.size()), 1);
+    ui->l_Trigger->setText(sentence);
+    takeOver(m_before);
+    m_before.reset();
+    updateSamplingNote();
+    showRows();
+    updateSampling();
+}
+
 void IOMonitorWidget::takeOver(const std::shared_ptr<History>& before)
 {
     if (!before || before == m_history || before->rate == 0)
         return;
-    ui->sb_Rate->setValue(before->rate);
-    ui->sb_Window->setValue(before->seconds);
-    ui->cb_States->setChecked(before->states);
-    ui->pb_Pause->setChecked(before->paused);
     // The predecessor's sample times, on this page's clock.
     const qint64 shift = before->clockStart - m_clock.msecsSinceReference();
     for (SignalTrace& trace : before->traces)
@@ -152,6 +205,7 @@ void IOMonitorWidget::addRow(const QString& name, const QString& kind)
     std::unique_ptr<Row> row(new Row{SignalTrace(name), new QLabel(kind), new QLabel, nullptr, new QLabel});
     row->trace.setKind(kind);
     row->strip = new TraceStrip(&row->trace);
+    row->lamp->setObjectName(QString("lamp%1").arg(m_rows.size())); // lamp0 for the first row
     row->lamp->setFixedSize(14, 14);
     row->lamp->setStyleSheet(lampStyle(row->lampLevel));
     row->edges->setToolTip(tr("Rising and falling edges seen since the last reset"));
@@ -166,28 +220,22 @@ void IOMonitorWidget::addRow(const QString& name, const QString& kind)
 
 void IOMonitorWidget::updateInit()
 {
-    const QStringList& changed = *m_pChangedFeatures;
-    if (changed.contains("LineMode"))
-    {
-        m_lines.readDirections();
-        updateDirections();
-    }
-    for (const char* name : {"TriggerSelector", "TriggerMode", "TriggerSource", "TriggerActivation"})
-    {
-        if (changed.contains(name))
-        {
-            ui->l_Trigger->setText(m_trigger.sentence());
-            break;
-        }
-    }
+    // Any of the observed features: directions and the sentence are read again, on the sampler's thread.
+    if (!m_pChangedFeatures->isEmpty())
+        QMetaObject::invokeMethod(m_sampler.get(), &MonitorSampler::reread, Qt::QueuedConnection);
 }
 
-void IOMonitorWidget::updateDirections()
+void IOMonitorWidget::OnDirectionsRead(const QStringList& directions, const QString& sentence)
 {
-    const QVector<LineSampler::Line>& lines = m_lines.lines();
-    for (int i = 0; i < lines.size(); ++i)
+    updateDirections(directions);
+    ui->l_Trigger->setText(sentence);
+}
+
+void IOMonitorWidget::updateDirections(const QStringList& directions)
+{
+    for (int i = 0; i < directions.size() && i < m_lineCount; ++i)
     {
-        const QString& direction = lines.at(i).direction;
+        const QString& direction = directions.at(i);
         m_rows.at(i)->trace.setKind(direction);
         m_rows.at(i)->kind->setText(direction == "Output" ? tr("Output")
                                     : direction == "Input" ? tr("Input")
@@ -198,7 +246,7 @@ void IOMonitorWidget::updateDirections()
 void IOMonitorWidget::updateSamplingNote()
 {
     QString source;
-    switch (m_lines.source())
+    switch (m_source)
     {
     case LineSampler::StatusAll:
         source = tr("Line levels from LineStatusAll, one read a sample.");
@@ -214,7 +262,8 @@ void IOMonitorWidget::updateSamplingNote()
         break;
     }
     const int period = 1000 / ui->sb_Rate->value();
-    ui->l_SamplingNote->setText(tr("%1 samples a second: pulses shorter than %2 ms can be missed. %3 "
+    ui->l_SamplingNote->setText((m_noAnswer ? tr("No answer from the camera: the traces have a gap. ") : QString()) +
+                                tr("%1 samples a second: pulses shorter than %2 ms can be missed. %3 "
                                    "Nothing is read while this page is hidden or paused.")
                                     .arg(ui->sb_Rate->value())
                                     .arg(period)
@@ -236,43 +285,98 @@ QVector<const SignalTrace*> IOMonitorWidget::traces() const
 
 void IOMonitorWidget::updateSampling()
 {
-    const bool on = m_bShown && isEnabled() && !ui->pb_Pause->isChecked();
+    const bool on = m_found && m_bShown && isEnabled() && !ui->pb_Pause->isChecked();
     m_pSampleTimer->setInterval(1000 / ui->sb_Rate->value());
     if (on && !m_pSampleTimer->isActive())
         m_pSampleTimer->start();
     else if (!on && m_pSampleTimer->isActive())
     {
         m_pSampleTimer->stop();
-        markNotSampled();
+        markNotSampled(0, int(m_rows.size()) - 1);
+        // Samples asked for and not begun are not taken: a stopped page reads nothing.
+        m_sampler->dropBefore(m_lastAppendedMs + 1);
+        m_pending = 0;
     }
 }
 
-void IOMonitorWidget::markNotSampled()
+void IOMonitorWidget::markNotSampled(int first, int last)
 {
     const qint64 now = m_clock.elapsed();
-    for (const std::unique_ptr<Row>& row : m_rows)
+    for (int r = first; r <= last; ++r)
     {
-        if (row->trace.level() != SignalTrace::Unknown)
-            row->trace.append(now, SignalTrace::Unknown);
+        if (m_rows.at(r)->trace.level() != SignalTrace::Unknown)
+            m_rows.at(r)->trace.append(now, SignalTrace::Unknown);
     }
+    // A sample asked for before comes too late: the gap stands.
+    m_lastAppendedMs = now;
+}
+
+void IOMonitorWidget::OnStatesToggled(bool on)
+{
+    if (!on && isSampling())
+        markNotSampled(m_lineCount, m_lineCount + m_stateCount - 1);
+}
+
+void IOMonitorWidget::OnTick()
+{
+    const qint64 now = m_clock.elapsed();
+    if (m_pending == 0)
+    {
+        request(now);
+        return;
+    }
+    if (now - m_pendingSince < qMax<qint64>(NoAnswerMs, m_pSampleTimer->interval()))
+        return;
+    // The camera has not answered the sample asked for: a gap in the lines
+    // (and the states), the viewer's acquisition goes on.
+    if (!m_noAnswer)
+    {
+        m_noAnswer = true;
+        updateSamplingNote();
+    }
+    markNotSampled(0, m_lineCount + m_stateCount - 1);
+    m_rows.back()->trace.append(now, m_bAcquiring ? 1 : 0);
+    m_lastSampleMs = now;
+    showRows();
+    emit sampled();
+}
+
+void IOMonitorWidget::request(qint64 now)
+{
+    if (m_pending++ == 0)
+        m_pendingSince = now;
+    const bool states = ui->cb_States->isChecked();
+    MonitorSampler* sampler = m_sampler.get();
+    QMetaObject::invokeMethod(
+        sampler, [sampler, now, states] { sampler->sample(now, states); }, Qt::QueuedConnection);
 }
 
 void IOMonitorWidget::sampleNow()
 {
-    const qint64 now = m_clock.elapsed();
-    const QVector<int> levels = m_lines.sample();
-    // The states cost a selector walk a sample: read only when asked for.
-    const QVector<int> states = ui->cb_States->isChecked() ? m_trigger.sample() : QVector<int>();
-    int r = 0;
-    for (int level : levels)
-        m_rows.at(r++)->trace.append(now, level);
-    for (int state : states)
-        m_rows.at(r++)->trace.append(now, state);
-    m_rows.back()->trace.append(now, m_bAcquiring ? 1 : 0);
+    if (m_found)
+        request(m_clock.elapsed());
+}
+
+void IOMonitorWidget::OnSampled(qint64 ms, const QVector<int>& levels)
+{
+    m_pending = qMax(0, m_pending - 1);
+    if (m_pending > 0)
+        m_pendingSince = m_clock.elapsed();
+    if (ms < m_lastAppendedMs)
+        return;
+    if (m_noAnswer)
+    {
+        m_noAnswer = false;
+        updateSamplingNote();
+    }
+    for (int r = 0; r < levels.size() && r + 1 < int(m_rows.size()); ++r)
+        m_rows.at(r)->trace.append(ms, levels.at(r));
+    m_rows.back()->trace.append(ms, m_bAcquiring ? 1 : 0);
     for (const std::unique_ptr<Row>& row : m_rows)
-        row->trace.forgetBefore(now - KeptMs);
-    m_lastSampleMs = now;
+        row->trace.forgetBefore(ms - KeptMs);
+    m_lastSampleMs = m_lastAppendedMs = ms;
     showRows();
+    emit sampled();
 }
 
 void IOMonitorWidget::showRows()
@@ -344,7 +448,8 @@ bool IOMonitorWidget::saveVcd(const QString& path, QString* error) const
 {
     QSaveFile file(path);
     const QByteArray dump =
-        VcdWriter::dump(traces(), m_lastSampleMs - ui->sb_Window->value() * 1000, m_lastSampleMs,
+        // To the end of the last sample's millisecond, so that a reader shows its levels too.
+        VcdWriter::dump(traces(), m_lastSampleMs - ui->sb_Window->value() * 1000, m_lastSampleMs + 1,
                         QDateTime::currentDateTime());
     if (!file.open(QIODevice::WriteOnly) || file.write(dump) != dump.size() || !file.commit())
     {
@@ -352,13 +457,27 @@ bool IOMonitorWidget::saveVcd(const QString& path, QString* error) const
             *error = file.errorString();
         return false;
     }
+    QSettings().setValue(SaveFolderKey, QFileInfo(path).absolutePath());
     return true;
+}
+
+QString IOMonitorWidget::proposedSavePath() const
+{
+    // In the folder saved to last, else in the user's documents folder (or
+    // home, without one): never the working folder, which an installed viewer
+    // may not write to.
+    QString folder = QSettings().value(SaveFolderKey).toString();
+    if (folder.isEmpty() || !QDir(folder).exists())
+        folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    if (!QDir(folder).exists())
+        folder = QDir::homePath();
+    return QDir(folder).filePath("io-monitor.vcd");
 }
 
 void IOMonitorWidget::OnSaveClicked()
 {
-    const QString path = QFileDialog::getSaveFileName(this, tr("Save traces"), "io-monitor.vcd",
-                                                      tr("Value Change Dump (*.vcd)"));
+    const QString path =
+        QFileDialog::getSaveFileName(this, tr("Save traces"), proposedSavePath(), tr("Value Change Dump (*.vcd)"));
     QString error;
     if (!path.isEmpty() && !saveVcd(path, &error))
         QMessageBox::warning(this, tr("Save traces"), tr("Could not write %1: %2").arg(path, error));

@@ -2,15 +2,15 @@
 #define IOMONITORWIDGET_H
 
 #include "BaseTabPluginWidget.h"
-#include "LineSampler.h"
 #include "SignalTrace.h"
-#include "TriggerMonitor.h"
 
 #include <QElapsedTimer>
+#include <QThread>
 #include <QVector>
 
 #include <memory>
 
+class MonitorSampler;
 class QLabel;
 class TraceStrip;
 
@@ -26,12 +26,18 @@ class IOMonitorWidget;
 // the user asks: they cost a selector walk a sample) and the viewer's own
 // acquisition on/off.
 //
-// Samples are read on the GUI thread, at the rate the user sets, and only
-// while the page is shown, enabled (the viewer disables its pages while the
-// camera is lost) and not paused. The page writes nothing to the camera but
-// the selector walks that read selector-dependent levels, which put the
-// selector back. Time not sampled (the page hidden, paused or disabled) is a
-// gap in the traces, as a failed read is, never the last level held.
+// Every camera call of the page (finding the lines, their directions, the
+// trigger sentence, samples) runs on the page's own sampler thread
+// (MonitorSampler), which hands the results over by queued signals: the rows
+// appear once the lines are found. Samples are asked for at the rate the user
+// sets, and only while the page is shown, enabled (the viewer disables its
+// pages while the camera is lost) and not paused; while one is not answered
+// no other is asked for, and every tick that passes meanwhile is a gap in the
+// lines' traces ("no answer"), so a silent camera never holds up the window.
+// The page writes nothing to the camera but the selector walks that read
+// selector-dependent levels, which put the selector back. Time not sampled
+// (the page hidden, paused or disabled, the states unticked) is a gap in the
+// traces, as a failed read is, never the last level held.
 //
 // A page built anew for the same camera (the viewer does so when a lost
 // camera answers again) goes on with its predecessor's traces, edge counts
@@ -53,10 +59,15 @@ public:
     void updateInit() override;
 
     bool isSampling() const;
-    // Lines first, then the acquisition states, in the order of the rows.
+    // Lines first, then the acquisition states, in the order of the rows;
+    // empty until the sampler has found the lines.
     QVector<const SignalTrace*> traces() const;
-    // Writes what the traces show now as a Value Change Dump.
+    // Writes what the traces show now as a Value Change Dump, and keeps its
+    // folder (QSettings) for the next proposedSavePath().
     bool saveVcd(const QString& path, QString* error) const;
+    // Where "Save..." proposes to save: io-monitor.vcd in the folder saved to
+    // last, else in the documents folder.
+    QString proposedSavePath() const;
 
     // What a page hands on to its successor (see above).
     struct History;
@@ -64,8 +75,12 @@ public:
 public slots:
     // The host's acquisition on/off.
     void camIsStreaming(bool streaming);
-    // Reads one sample of every row now.
+    // Asks the sampler for one sample of every row now; sampled() follows.
     void sampleNow();
+
+signals:
+    // A sample, or a gap for one not answered, is in the traces.
+    void sampled();
 
 protected:
     void showEvent(QShowEvent* event) override;
@@ -78,6 +93,12 @@ private slots:
     void OnPauseToggled(bool paused);
     void OnResetClicked();
     void OnSaveClicked();
+    void OnStatesToggled(bool on);
+    void OnTick();
+    void OnFound(const QStringList& lines, const QStringList& directions, int source, const QStringList& states,
+                 const QString& sentence);
+    void OnSampled(qint64 ms, const QVector<int>& levels);
+    void OnDirectionsRead(const QStringList& directions, const QString& sentence);
 
 private:
     struct Row
@@ -92,17 +113,28 @@ private:
 
     void addRow(const QString& name, const QString& kind);
     void updateSampling();
-    // From now on no sample is taken: a gap in every trace that has a level.
-    void markNotSampled();
+    void request(qint64 now);
+    // From now on the rows from first to last (the lines, or the states) are
+    // not sampled: a gap in every one that has a level.
+    void markNotSampled(int first, int last);
     void takeOver(const std::shared_ptr<History>& before);
     void updateSamplingNote();
-    void updateDirections();
+    void updateDirections(const QStringList& directions);
     // Lamps, edge counts and the time window of every row.
     void showRows();
 
     std::unique_ptr<Ui::IOMonitorWidget> ui;
-    LineSampler m_lines;
-    TriggerMonitor m_trigger;
+    QThread m_thread;
+    std::unique_ptr<MonitorSampler> m_sampler;
+    bool m_found = false;
+    int m_lineCount = 0;
+    int m_stateCount = 0;
+    int m_source = 0;  // LineSampler::Source
+    int m_pending = 0; // samples asked for and not answered
+    qint64 m_pendingSince = 0;
+    bool m_noAnswer = false;
+    qint64 m_lastAppendedMs = 0;       // a sample answered for an earlier time comes too late
+    std::shared_ptr<History> m_before; // the predecessor's, until the rows are there
     std::vector<std::unique_ptr<Row>> m_rows;
     bool m_bAcquiring = false;
     bool m_bShown = false;

@@ -2,23 +2,40 @@
 
 #include "SelectorWalk.h"
 
+#include <OrvCPP/EnumEntryValues.h>
+
 #include <QRegularExpression>
 
 namespace
 {
 
-// The line numbers that "LineStatusAll" uses: the number a name ends in
-// ("Line3" is bit 3) when every line has a distinct one, else the line's
-// position in the selector.
-QVector<int> statusBits(const QStringList& names)
+// The bits of lines in the bit fields that hold every line's level
+// ("LineStatusAll", the level masks): the integer value the camera's
+// description gives the selector entry (EnumEntry <Value>), when every line
+// has a distinct one from 0 to 63. Where the description gives none, the
+// number a name ends in ("Line3" is bit 3; byNumber) when every line has a
+// distinct one, else the line's position in the selector.
+QVector<int> lineBits(const FeatureManager::FeaturePtr& selector, const QStringList& names, bool byNumber)
 {
-    static const QRegularExpression trailingNumber("(\\d+)$");
     QVector<int> bits;
+    auto* values = dynamic_cast<OrvCPP::EnumEntryValues*>(selector.get());
+    for (const QString& name : names)
+    {
+        long long value = -1;
+        if (!values || values->GetEntryValue(name.toStdString().c_str(), value) != OrvErrorSuccess || value < 0 ||
+            value > 63 || bits.contains(int(value)))
+            break;
+        bits << int(value);
+    }
+    if (bits.size() == names.size())
+        return bits;
+    bits.clear();
+    static const QRegularExpression trailingNumber("(\\d+)$");
     for (const QString& name : names)
     {
         const QRegularExpressionMatch match = trailingNumber.match(name);
         const int bit = match.hasMatch() ? match.captured(1).toInt() : -1;
-        if (bit < 0 || bit > 63 || bits.contains(bit))
+        if (!byNumber || bit < 0 || bit > 63 || bits.contains(bit))
         {
             bits.clear();
             for (int i = 0; i < names.size(); ++i)
@@ -43,7 +60,7 @@ LineSampler::LineSampler(const FeatureList& features)
         m_names = lineNames;
         m_status = m_features.GetFeatureByName(QString("LineStatus"));
         m_mode = m_features.GetFeatureByName(QString("LineMode"));
-        const QVector<int> bits = statusBits(lineNames);
+        const QVector<int> bits = lineBits(m_selector, lineNames, true);
         for (int i = 0; i < lineNames.size(); ++i)
             m_lines.append(Line{lineNames.at(i), QString(), bits.at(i), false});
         m_source = m_statusAll ? StatusAll : m_status ? StatusWalk : NoLevels;
@@ -57,11 +74,14 @@ LineSampler::LineSampler(const FeatureList& features)
     const QStringList inputs = m_features.GetAvailableEnumEntries("LineInSelector", "SyncInSelector");
     m_outLevels = m_features.GetFeatureByName("LineOutLevels", "SyncOutLevels");
     m_inLevels = m_features.GetFeatureByName("LineInLevels", "SyncInLevels");
-    const QVector<int> bits = statusBits(outputs);
+    const QVector<int> outBits =
+        lineBits(m_features.GetFeatureByName("LineOutSelector", "SyncOutSelector"), outputs, m_statusAll != nullptr);
+    const QVector<int> inBits =
+        lineBits(m_features.GetFeatureByName("LineInSelector", "SyncInSelector"), inputs, false);
     for (int i = 0; i < outputs.size(); ++i)
-        m_lines.append(Line{outputs.at(i), QString("Output"), m_statusAll ? bits.at(i) : i, false});
+        m_lines.append(Line{outputs.at(i), QString("Output"), outBits.at(i), false});
     for (int i = 0; i < inputs.size(); ++i)
-        m_lines.append(Line{inputs.at(i), QString("Input"), i, true});
+        m_lines.append(Line{inputs.at(i), QString("Input"), inBits.at(i), true});
     if (m_lines.isEmpty())
         m_source = NoLevels;
     else if (m_statusAll && inputs.isEmpty())

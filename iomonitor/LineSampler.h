@@ -11,7 +11,9 @@
 // their levels now. Lines are found once, from the line family's
 // "LineSelector" or the sync-out family's output (and input) selectors; the
 // levels come from, in order of preference:
-// - "LineStatusAll": one read gives every line (bit n = line n);
+// - "LineStatusAll": one read gives every line, each at the bit the camera's
+//   description numbers its selector entry with (EnumEntry <Value>; where
+//   it gives none, the number the name ends in, else the position);
 // - "LineStatus", read for each line with "LineSelector" pointed at it; the
 //   selector is put back where it was after the walk, whatever failed;
 // - the family's level masks ("LineOutLevels"/"SyncOutLevels" for outputs,

@@ -3,6 +3,7 @@
 #include "SignalTrace.h"
 
 #include <QMap>
+#include <QSet>
 
 namespace
 {
@@ -19,6 +20,9 @@ QByteArray code(int index)
     return text;
 }
 
+// In the levels of one time stamp: the trace has no sample there.
+constexpr int NotSampled = -2;
+
 char value(int level)
 {
     return level == SignalTrace::Unknown ? 'x' : level ? '1' : '0';
@@ -31,10 +35,34 @@ QByteArray VcdWriter::wireName(const QString& name)
     QByteArray text = name.toLatin1();
     for (char& c : text)
     {
-        if (!((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9')))
+        if (!((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_'))
             c = '_';
     }
-    return text.isEmpty() ? QByteArray("_") : text;
+    return text.isEmpty() || (text.at(0) >= '0' && text.at(0) <= '9') ? "_" + text : text;
+}
+
+QVector<QByteArray> VcdWriter::wireNames(const QVector<const SignalTrace*>& traces)
+{
+    // Names that are identifiers already keep them; the others, cleaned, get a
+    // suffix where a name is taken ("Line 0" beside "Line_0" is "Line_0_2").
+    QVector<QByteArray> names(traces.size());
+    QSet<QByteArray> taken;
+    for (int i = 0; i < traces.size(); ++i)
+    {
+        const QByteArray name = wireName(traces.at(i)->name());
+        if (name == traces.at(i)->name().toLatin1() && !taken.contains(name))
+            taken.insert(names[i] = name);
+    }
+    for (int i = 0; i < traces.size(); ++i)
+    {
+        if (!names.at(i).isEmpty())
+            continue;
+        QByteArray tried = wireName(traces.at(i)->name());
+        for (int n = 2; taken.contains(tried); ++n)
+            tried = wireName(traces.at(i)->name()) + '_' + QByteArray::number(n);
+        taken.insert(names[i] = tried);
+    }
+    return names;
 }
 
 QByteArray VcdWriter::dump(const QVector<const SignalTrace*>& traces, qint64 fromMs, qint64 toMs,
@@ -45,13 +73,16 @@ QByteArray VcdWriter::dump(const QVector<const SignalTrace*>& traces, qint64 fro
     out += "$version Trigger IO viewer, I/O Monitor $end\n";
     out += "$timescale 1ms $end\n";
     out += "$scope module camera $end\n";
+    const QVector<QByteArray> names = wireNames(traces);
     for (int i = 0; i < traces.size(); ++i)
-        out += "$var wire 1 " + code(i) + ' ' + wireName(traces.at(i)->name()) + " $end\n";
+        out += "$var wire 1 " + code(i) + ' ' + names.at(i) + " $end\n";
     out += "$upscope $end\n$enddefinitions $end\n";
 
-    // Each trace's level at the start, and every later sample by time.
+    // Each trace's level at the start, and its samples by time. A trace holds
+    // a level from its sample to the next time stamp only: at a stamp where
+    // other traces were sampled and it was not, it was not read ("x").
     QVector<int> last(traces.size(), SignalTrace::Unknown);
-    QMap<qint64, QVector<QPair<int, int>>> later;
+    QMap<qint64, QVector<int>> later;
     for (int i = 0; i < traces.size(); ++i)
     {
         for (const SignalTrace::Sample& sample : traces.at(i)->samples())
@@ -59,7 +90,12 @@ QByteArray VcdWriter::dump(const QVector<const SignalTrace*>& traces, qint64 fro
             if (sample.ms <= fromMs)
                 last[i] = sample.level;
             else if (sample.ms <= toMs)
-                later[sample.ms].append(qMakePair(i, sample.level));
+            {
+                auto at = later.find(sample.ms);
+                if (at == later.end())
+                    at = later.insert(sample.ms, QVector<int>(traces.size(), NotSampled));
+                (*at)[i] = sample.level;
+            }
         }
     }
     out += "#0\n$dumpvars\n";
@@ -70,12 +106,13 @@ QByteArray VcdWriter::dump(const QVector<const SignalTrace*>& traces, qint64 fro
     for (auto it = later.cbegin(); it != later.cend(); ++it)
     {
         out += '#' + QByteArray::number(it.key() - fromMs) + '\n';
-        for (const QPair<int, int>& change : it.value())
+        for (int i = 0; i < traces.size(); ++i)
         {
-            if (last.at(change.first) == change.second)
+            const int level = it.value().at(i) == NotSampled ? SignalTrace::Unknown : it.value().at(i);
+            if (last.at(i) == level)
                 continue;
-            last[change.first] = change.second;
-            out += value(change.second) + code(change.first) + '\n';
+            last[i] = level;
+            out += value(level) + code(i) + '\n';
         }
         end = it.key();
     }

@@ -10,11 +10,12 @@
 #                        xvfb xauth (tests in a real window), fonts-dejavu-core (text in windows and screenshots)
 #   cpack -G DEB         dpkg-dev (dpkg-shlibdeps) file; lintian checks the packages
 #   tests in a network namespace of their own   iproute2 (ip)
+#   the I/O Monitor's dumps read by another tool   sigrok-cli
 set -euo pipefail
 
 packages=(cmake g++ make pkg-config qtbase5-dev qttools5-dev qttools5-dev-tools
           libaravis-dev aravis-tools aravis-tools-cli libusb-1.0-0-dev xvfb xauth fonts-dejavu-core
-          dpkg-dev file lintian iproute2)
+          dpkg-dev file lintian iproute2 sigrok-cli)
 missing=()
 for p in "${packages[@]}"; do
     dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

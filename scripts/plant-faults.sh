@@ -304,8 +304,8 @@ v-popup~viewer~viewer/ViewerWindow.cpp~ || QApplication::activePopupWidget()~~th
 v-current~viewer~viewer/ViewerWindow.cpp~m_tabs->setCurrentIndex(page);~m_tabs->setCurrentIndex(0);~the first page is current after a rebuild
 v-carry~viewer~viewer/ViewerWindow.cpp~buildPages(carried) == 0~buildPages() == 0~the rebuild hands no page's history on
 v-handover~viewer~iomonitor/IOMonitorWidget.cpp~        m_history->traces.push_back(std::move(row->trace));~        (void)row;~a deleted monitor page offers no traces
-v-settings~viewer~iomonitor/IOMonitorWidget.cpp~    ui->sb_Window->setValue(before->seconds);\n~~the monitor's time window is not taken over
-v-gap~viewer~iomonitor/IOMonitorWidget.cpp~        m_pSampleTimer->stop();\n        markNotSampled();~        m_pSampleTimer->stop();~time not sampled is drawn as the last level held
+v-settings~viewer~iomonitor/IOMonitorWidget.cpp~        ui->sb_Window->setValue(m_before->seconds);\n~~the monitor's time window is not taken over
+v-gap~viewer~iomonitor/IOMonitorWidget.cpp~        m_pSampleTimer->stop();\n        markNotSampled(0, int(m_rows.size()) - 1);~        m_pSampleTimer->stop();~time not sampled is drawn as the last level held
 g-chain-limit~graph~orvcpp/genicam/GenICamReferenceGraph.cpp~deep ? depth[state] <= MaxChainLength~deep ? depth[state] < MaxChainLength~a chain exactly at the length limit is refused
 g-eval-limit~graph~orvcpp/genicam/GenICamReferenceGraph.h~MaxEvaluations = 50000;~MaxEvaluations = 500000;~the evaluation limit ten times higher
 g-eval-sum~graph~orvcpp/genicam/GenICamReferenceGraph.cpp~evaluations = std::min(evaluations + times * cost[target], 1e300);~evaluations = std::max(evaluations, 1 + times * cost[target]);~a node shared by several references counted once (as if Aravis cached values)
@@ -321,7 +321,7 @@ g-entry-index~graph~orvcpp/genicam/GenICamFeature.cpp~        m_entriesKnown = t
 g-values-order~graph~orvcpp/genicam/GenICamFeature.cpp~            std::reverse(names.begin(), names.end());\n~~entries listed in Aravis's (reversed) order
 m-bit-number~monitor~iomonitor/LineSampler.cpp~        bits << bit;~        bits << int(bits.size());~LineStatusAll read at the line's position in the selector, not at the number its name ends in
 m-source-order~monitor~iomonitor/LineSampler.cpp~m_source = m_statusAll ? StatusAll : m_status ? StatusWalk : NoLevels;~m_source = m_status ? StatusWalk : m_statusAll ? StatusAll : NoLevels;~the LineSelector walk preferred to the one read of LineStatusAll
-m-mask-bit~monitor~iomonitor/LineSampler.cpp~m_statusAll ? bits.at(i) : i, false~bits.at(i), false~a sync output's level mask bit taken from the number its name ends in, not its position
+m-mask-bit~monitor~iomonitor/LineSampler.cpp~outputs, m_statusAll != nullptr);~outputs, true);~a sync output's level mask bit taken from the number its name ends in, not its position
 m-all-gap~monitor~iomonitor/LineSampler.cpp~    if (!readInteger(m_statusAll, &all))\n        return levels;~    readInteger(m_statusAll, &all);~a failed LineStatusAll read gives low levels, not a gap
 m-walk-gap~monitor~iomonitor/LineSampler.cpp~        if (m_status->GetValue(high) == OrvErrorSuccess)\n            levels[i] = high ? 1 : 0;~        m_status->GetValue(high);\n        levels[i] = high ? 1 : 0;~a failed LineStatus read gives a low level, not a gap
 m-mask-gap~monitor~iomonitor/LineSampler.cpp~if (line.inputMask ? inputsRead : outputsRead)~if (line.inputMask ? m_inLevels : m_outLevels)~a level mask that exists counts as read, also when its read failed
@@ -336,7 +336,7 @@ m-trig-fallin~monitor~iomonitor/TriggerMonitor.cpp~activation == "FallingEdge" |
 m-vcd-x~monitor~iomonitor/VcdWriter.cpp~SignalTrace::Unknown ? 'x' : level~SignalTrace::Unknown ? 'z' : level~an unknown level written as z (high impedance), not x
 m-vcd-timescale~monitor~iomonitor/VcdWriter.cpp~$timescale 1ms~$timescale 1us~millisecond time stamps declared as microseconds
 m-vcd-origin~monitor~iomonitor/VcdWriter.cpp~QByteArray::number(it.key() - fromMs)~QByteArray::number(it.key())~sample times written on the monitor's clock, not from the start of the dump
-m-vcd-stamp~monitor~iomonitor/VcdWriter.cpp~        out += '#' + QByteArray::number(it.key() - fromMs)~        if (std::all_of(it.value().cbegin(), it.value().cend(),\n                        [&](const QPair<int, int>& c) { return last.at(c.first) == c.second; }))\n            continue;\n        out += '#' + QByteArray::number(it.key() - fromMs)~a sample that changes no level gets no time stamp
+m-vcd-stamp~monitor~iomonitor/VcdWriter.cpp~        out += '#' + QByteArray::number(it.key() - fromMs)~        bool changes = false;\n        for (int i = 0; i < traces.size(); ++i)\n            changes |= last.at(i) != (it.value().at(i) == NotSampled ? SignalTrace::Unknown : it.value().at(i));\n        if (!changes)\n            continue;\n        out += '#' + QByteArray::number(it.key() - fromMs)~a sample that changes no level gets no time stamp
 m-walk-restore~monitor~iomonitor/SelectorWalk.cpp~    if (current != savedEntry && selector->SetValue(saved.c_str()) != OrvErrorSuccess &&~    if (current != savedEntry && selector->SetValue(current.toStdString().c_str()) != OrvErrorSuccess &&~the walk "restores" the selector to the last entry it read
 m-walk-first~monitor~iomonitor/SelectorWalk.cpp~    const int first = entries.indexOf(savedEntry);~    const int first = -1;~the entry the selector stands on is written and read in turn like the others
 pkg-lib-component~package~orvcpp/genicam/CMakeLists.txt~COMPONENT Library NAMELINK_COMPONENT Development~COMPONENT Runtime NAMELINK_COMPONENT Development~the backend library shipped in the viewer's package, not in one named after its SONAME
@@ -374,6 +374,17 @@ c-exclusive~cache~orvcpp/genicam/RegisterCache.cpp~    if (m_owner.load() != sel
 c-elide~cache~orvcpp/genicam/RegisterCache.cpp~        if (kept != m_entries.end() && std::equal(kept->second.begin(), kept->second.end(), bytes))~        if (kept != m_entries.end())~a write of another value than the one kept is not sent either
 c-elide-any~cache~orvcpp/genicam/RegisterCache.cpp~    if (m_keepWrites && cachesForThisThread())\n    {\n        std::unique_lock~    if (cachesForThisThread())\n    {\n        std::unique_lock~a write of the value a burst knows is left out for every register, not only a selector's
 c-keep-any~cache~orvcpp/genicam/GenICamFeature.cpp~m_device->cache().setReader(&m_name, m_uncached || m_type == OrvFeatureDataCommand, m_selector);~m_device->cache().setReader(&m_name, m_uncached || m_type == OrvFeatureDataCommand, true);~every register keeps what was written to it, not only a selector's
+m-entry-value~monitor~iomonitor/LineSampler.cpp~auto* values = dynamic_cast<OrvCPP::EnumEntryValues*>(selector.get());~OrvCPP::EnumEntryValues* values = nullptr;~a line's bit taken from its name or position, not from the value the camera's description gives its selector entry
+m-vcd-unsampled~monitor~iomonitor/VcdWriter.cpp~it.value().at(i) == NotSampled ? SignalTrace::Unknown :~it.value().at(i) == NotSampled ? last.at(i) :~a trace not sampled at a time stamp keeps its last level in the dump, not x
+m-vcd-unique~monitor~iomonitor/VcdWriter.cpp~for (int n = 2; taken.contains(tried); ++n)~for (int n = 2; false; ++n)~two rows whose names clean up alike get the same wire name
+m-vcd-own-name~monitor~iomonitor/VcdWriter.cpp~        if (name == traces.at(i)->name().toLatin1() && !taken.contains(name))~        if (false)~a name that is an identifier already gives way to a cleaned one
+m-vcd-last-stamp~monitor~iomonitor/IOMonitorWidget.cpp~m_lastSampleMs + 1,~m_lastSampleMs,~the saved dump ends at the last sample, which a reader then does not show
+m-save-documents~monitor~iomonitor/IOMonitorWidget.cpp~        folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);~        folder = QDir::currentPath();~"Save..." proposes the working folder, not the documents folder
+m-save-remember~monitor~iomonitor/IOMonitorWidget.cpp~    QSettings().setValue(SaveFolderKey, QFileInfo(path).absolutePath());~~"Save..." forgets the folder saved to last
+m-sampler-gui~monitor~iomonitor/IOMonitorWidget.cpp~    QMetaObject::invokeMethod(\n        sampler, [sampler, now, states] { sampler->sample(now, states); }, Qt::QueuedConnection);~    sampler->sample(now, states);~a sample taken on the GUI thread, which then waits for a silent camera
+m-no-answer~monitor~iomonitor/IOMonitorWidget.cpp~    markNotSampled(0, m_lineCount + m_stateCount - 1);\n    m_rows.back()~    m_rows.back()~a sample the camera does not answer leaves the last level shown, not a gap
+m-no-answer-note~monitor~iomonitor/IOMonitorWidget.cpp~        m_noAnswer = true;~        m_noAnswer = false;~the page does not say that the camera does not answer
+m-exclusive~monitor~iomonitor/MonitorSampler.cpp~if (!m_access || m_access->BeginExclusive(AccessSliceMs))~if (true)~a sample's selector walk not bracketed: it comes between the Trigger IO tab's calls
 LIST
 )
 

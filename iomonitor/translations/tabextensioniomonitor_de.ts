@@ -64,6 +64,10 @@
         <translation>Die Kamera meldet keine Pegel.</translation>
     </message>
     <message>
+        <source>No answer from the camera: the traces have a gap. </source>
+        <translation>Keine Antwort von der Kamera: die Verläufe haben eine Lücke. </translation>
+    </message>
+    <message>
         <source>%1 samples a second: pulses shorter than %2 ms can be missed. %3 Nothing is read while this page is hidden or paused.</source>
         <translation>%1 Abtastungen pro Sekunde: Pulse kürzer als %2 ms können fehlen. %3 Solange diese Seite verborgen oder angehalten ist, wird nichts gelesen.</translation>
     </message>

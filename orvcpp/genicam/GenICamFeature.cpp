@@ -290,6 +290,27 @@ OrvErrorType GenICamFeature::IsValueAvailable(const char* value, bool& available
         });
 }
 
+OrvErrorType GenICamFeature::GetEntryValue(const char* entry, long long& value)
+{
+    if (!entry)
+        return OrvErrorBadParameter;
+    if (m_type != OrvFeatureDataEnum)
+        return OrvErrorWrongType;
+    return withDevice(
+        [&]() -> OrvErrorType
+        {
+            ArvGcFeatureNode* node = nullptr;
+            OrvErrorType code = findEntry(entry, node);
+            gint64 number = 0;
+            if (code == OrvErrorSuccess)
+                code =
+                    aravis(number, [&](GError** e) { return arv_gc_enum_entry_get_value(ARV_GC_ENUM_ENTRY(node), e); });
+            if (code == OrvErrorSuccess)
+                value = number;
+            return code;
+        });
+}
+
 OrvErrorType GenICamFeature::GetValues(std::vector<std::string>& values)
 {
     if (m_type != OrvFeatureDataEnum)

@@ -2,6 +2,7 @@
 #define GENICAMFEATURE_H
 
 #include <OrvCPP/ExclusiveAccess.h>
+#include <OrvCPP/EnumEntryValues.h>
 #include <OrvCPP/OrvCPP.h>
 
 #include <memory>
@@ -43,10 +44,13 @@ typedef struct _ArvGcNode ArvGcNode;
 // with a volatile register below it (IsVolatile, Cachable NoCache, a
 // PollingTime) reads every register from the camera.
 //
+// An enumeration also tells its entries' integer values (EnumEntryValues).
+//
 // ExclusiveAccess is the device's (see RegisterCache): any feature of a
 // camera brackets the calls on all its features.
 class GenICamFeature : public OrvCPP::Feature,
                        public OrvCPP::ExclusiveAccess,
+                       public OrvCPP::EnumEntryValues,
                        public std::enable_shared_from_this<GenICamFeature>
 {
 public:
@@ -81,6 +85,8 @@ public:
 
     bool BeginExclusive(int timeoutMs) override;
     void EndExclusive() override;
+
+    OrvErrorType GetEntryValue(const char* entry, long long& value) override;
 
     OrvErrorType RegisterObserver(const OrvCPP::shared_ptr<OrvCPP::IFeatureObserver>& observer) override;
     OrvErrorType UnregisterObserver(const OrvCPP::shared_ptr<OrvCPP::IFeatureObserver>& observer) override;

@@ -5,6 +5,7 @@
 #include "GenICamDevice.h"
 #include "FeaturePoller.h"
 #include "GenICamFeature.h"
+#include "LineSampler.h"
 #include "RegisterCache.h"
 #include "ReviewedRecord.h"
 
@@ -653,6 +654,55 @@ private slots:
         QStringList names = observer->waitFor({}, 0);
         names.sort();
         QCOMPARE(names, reported);
+    }
+
+    // The I/O Monitor's levels (LineStatusAll; walk or masks) are the models': an output driven by a user output shows
+    // it through the inverter, an input register 0x1140 + 4 n; sync out GPO a SyncOutLevels bit, SyncOut1 its polarity.
+    void monitorLevelsFollowTheModels()
+    {
+        for (const QString model : {"line", "routing", "syncout"})
+        {
+            GenICamCamera camera;
+            QCOMPARE(openModel(camera, model + "-camera.xml"), QString());
+            FeatureManager fm(camera.features());
+            FeatureList withoutAll(new QVector<FeaturePtr>(*camera.features()));
+            withoutAll->removeOne(fm.GetFeatureByName(QString("LineStatusAll")));
+            const QStringList users = fm.GetAvailableEnumEntries("UserOutputSelector");
+            const bool sync = model == "syncout";
+            for (int c = 0; c < 16; ++c)
+            {
+                QString expected, levels;
+                for (int u = 0; u < users.size(); ++u)
+                    fm.SetValue("UserOutputSelector", users.at(u)), fm.SetValue("UserOutputValue", (c >> u) & 1);
+                for (int i = 0; i < 4 - sync; ++i)
+                {
+                    const guint32 input = sync ? (c >> i) & 1 : (c >> (3 - i)) & 1;
+                    camera.withAravisDevice([&](ArvDevice* d)
+                                            { arv_device_write_register(d, 0x1140 + 4 * i, input, 0); });
+                    fm.SetValue(sync ? "SyncOutSelector" : "LineSelector",
+                                sync ? "SyncOut" + QString::number(i + 1) : "Line" + QString::number(i));
+                    fm.SetValue(sync ? "SyncOutPolarity" : "LineMode", sync          ? c & 1 ? "Invert" : "Normal"
+                                                                       : (c + i) % 3 ? "Output"
+                                                                                     : "Input");
+                    fm.SetValue(sync ? "SyncOutSource" : "LineSource",
+                                sync ? i ? "GPO" : "AcquisitionActive" : users.value((c + i) % users.size()));
+                    fm.SetValue(sync ? "SyncOutLevels" : "LineInverter", sync ? c & 7 : (c >> i) & 1);
+                    const int user = users.indexOf(fm.GetStringValue("LineSource"));
+                    const bool output = !sync && fm.GetStringValue("LineMode") == "Output";
+                    QVERIFY(user >= 0 || !output);
+                    expected += QString::number(output ? ((c >> user) & 1) ^ int(fm.GetValue("LineInverter")) : input);
+                }
+                for (const FeatureList& list : {camera.features(), withoutAll})
+                {
+                    LineSampler sampler(list);
+                    for (int level : sampler.sample())
+                        levels += QString::number(level);
+                    levels += QString::number(sampler.source());
+                }
+                QCOMPARE(levels, expected + QString::number(LineSampler::StatusAll) + expected +
+                                     QString::number(sync ? LineSampler::LevelMasks : LineSampler::StatusWalk));
+            }
+        }
     }
 };
 

@@ -4,9 +4,12 @@
 #include "TestCamera.h"
 #include "VcdWriter.h"
 
+#include <OrvCPP/ExclusiveAccess.h>
+
 #include <QCheckBox>
 #include <QLabel>
 #include <QPluginLoader>
+#include <QProcess>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTemporaryDir>
@@ -71,6 +74,18 @@ void apply(TestCamera& cam, IOMonitorWidget& page, const QString& source, const 
     page.camIsStreaming(parts.value(2) == "1");
 }
 
+// The page's lines found, and one sample taken, on its sampler's thread.
+bool found(IOMonitorWidget& page)
+{
+    return QTest::qWaitFor([&] { return !page.traces().isEmpty(); });
+}
+
+bool sample(IOMonitorWidget& page)
+{
+    QSignalSpy sampled(&page, &IOMonitorWidget::sampled);
+    return page.sampleNow(), sampled.wait(10000);
+}
+
 QString levelsOf(const SignalTrace& trace)
 {
     QString text;
@@ -90,8 +105,8 @@ private slots:
     void scriptedLevelsGiveTraces();
     void triggerSentence_data();
     void triggerSentence();
-    void readsOnlyWhileShownEnabledAndRunning();
     void vcdRoundTrips();
+    void savedDumpAsSigrokReadsIt();
     void moduleServesOnlyCamerasWithLines();
 };
 
@@ -132,11 +147,12 @@ void tst_IOMonitor::scriptedLevelsGiveTraces()
     IOMonitorWidget page(cam->features(), &parent);
     QCheckBox* states = page.findChild<QCheckBox*>("cb_States");
     states->setChecked(true);
+    QVERIFY(found(page));
     cam->takeJournal();
     for (const QString& step : steps)
     {
         apply(*cam, page, source, step);
-        page.sampleNow();
+        QVERIFY(sample(page));
         QCOMPARE(cam->takeJournal(), writesPerSample);
     }
     QCOMPARE(page.traces().size(), traces.size());
@@ -151,33 +167,35 @@ void tst_IOMonitor::scriptedLevelsGiveTraces()
     QCOMPARE(page.traces().at(0)->rising() + page.traces().at(0)->falling(), 0);
     // Unless asked for, the states are not read: LineStatusAll is then the one call of a sample.
     states->setChecked(false);
-    page.sampleNow();
+    QVERIFY(sample(page));
     QCOMPARE(cam->takeJournal(), source == "walk" ? writesPerSample : QStringList());
     QCOMPARE(page.traces().at(3)->samples().size(), steps.size() + (source == "all" ? 0 : 1));
+    auto* run = dynamic_cast<OrvCPP::ExclusiveAccess*>(cam->features()->first().get()); // another run (the test's)
+    const int taken = page.traces().last()->samples().size();
+    QVERIFY(run->BeginExclusive(0) && (page.sampleNow(), QTest::qWait(100), true));
+    QCOMPARE(page.traces().last()->samples().size(), taken); // a sample never comes between: it waits
+    run->EndExclusive();
+    QTRY_COMPARE(page.traces().last()->samples().size(), taken + 1);
 }
 
 void tst_IOMonitor::triggerSentence_data()
 {
     QTest::addColumn<QStringList>("settings");
     QTest::addColumn<QString>("sentence");
-    QTest::newRow("no trigger") << QStringList{} << "Free running (the camera has no trigger)";
-    QTest::newRow("frame start off") << QStringList{"FrameStart", "Off", "Line0", "RisingEdge"} << "Free running";
-    QTest::newRow("other trigger off") << QStringList{"AcquisitionStart", "Off", "Line0", "RisingEdge"}
-                                       << "Acquisition start trigger off";
-    QTest::newRow("software") << QStringList{"FrameStart", "On", "Software", "RisingEdge"}
-                              << "Frame start waits for a software trigger";
-    QTest::newRow("rising") << QStringList{"FrameStart", "On", "Line0", "RisingEdge"}
-                            << "Frame start waits for a rising edge on Line0";
-    QTest::newRow("misspelt falling") << QStringList{"ExposureStart", "On", "Line2", "FallinEdge"}
-                                      << "Exposure start waits for a falling edge on Line2";
-    QTest::newRow("any edge") << QStringList{"FrameBurstStart", "On", "Line1", "AnyEdge"}
-                              << "Frame burst start waits for any edge on Line1";
-    QTest::newRow("level high") << QStringList{"AcquisitionStart", "On", "Line1", "LevelHigh"}
-                                << "Acquisition start waits for a high level on Line1";
-    QTest::newRow("level low, no selector") << QStringList{"", "On", "Line3", "LevelLow"}
-                                            << "The trigger waits for a low level on Line3";
-    QTest::newRow("unknown selector and activation") << QStringList{"LineStartNow", "On", "Line0", "Strange"}
-                                                     << "Line start now waits for a signal on Line0";
+    // Selector, mode, source and activation ("-": none), then the sentence.
+    for (const char* row : {"|Free running (the camera has no trigger)", "FrameStart Off Line0 RisingEdge|Free running",
+                            "AcquisitionStart Off Line0 RisingEdge|Acquisition start trigger off",
+                            "FrameStart On Software RisingEdge|Frame start waits for a software trigger",
+                            "FrameStart On Line0 RisingEdge|Frame start waits for a rising edge on Line0",
+                            "ExposureStart On Line2 FallinEdge|Exposure start waits for a falling edge on Line2",
+                            "FrameBurstStart On Line1 AnyEdge|Frame burst start waits for any edge on Line1",
+                            "AcquisitionStart On Line1 LevelHigh|Acquisition start waits for a high level on Line1",
+                            "- On Line3 LevelLow|The trigger waits for a low level on Line3",
+                            "LineStartNow On Line0 Strange|Line start now waits for a signal on Line0"})
+    {
+        const QStringList parts = QString(row).split('|');
+        QTest::newRow(row) << parts.at(0).split(' ', Qt::SkipEmptyParts).replaceInStrings("-", "") << parts.at(1);
+    }
 }
 
 // The trigger told in words, from the selector, mode, source and activation
@@ -195,75 +213,89 @@ void tst_IOMonitor::triggerSentence()
     }
     QWidget parent;
     IOMonitorWidget page(cam->features(), &parent);
+    QVERIFY(found(page));
     QCOMPARE(page.findChild<QLabel*>("l_Trigger")->text(), sentence);
     for (const QString& write : cam->takeJournal())
         QVERIFY2(write.startsWith("LineSelector="), qPrintable(write));
 }
 
-// Samples are read while the page is shown, enabled and not paused, and
-// nothing at all is read otherwise (the walk camera would journal every one).
-void tst_IOMonitor::readsOnlyWhileShownEnabledAndRunning()
+// A dump as written: "x" for a failed read and where a signal was not sampled at a stamp, a stamp for every
+// sample (also one that changes nothing) and the end, distinct names, each signal's own where it is an identifier.
+void tst_IOMonitor::vcdRoundTrips()
 {
-    std::unique_ptr<TestCamera> cam = camera("walk");
+    SignalTrace line("Line 0"), state("FrameTriggerWait"), other("Line_0");
+    const int samples[][3] = {{900, 1, 0}, {1000, 0, 0}, {1100, 1, 1}, {1200, -1, 9}, {1300, 1, 0}, {1400, 0, 0}};
+    for (const int* sample : samples)
+        line.append(sample[0], sample[1]), sample[2] == 9 ? void() : state.append(sample[0], sample[2]); // 9: none
+    other.append(1000, 1), line.append(1450, 0), state.append(1450, 0);
+    const QByteArray dump = VcdWriter::dump({&line, &state, &other}, 1000, 1500, QDateTime::currentDateTime());
+    QCOMPARE(
+        dump.mid(dump.indexOf("$timescale")),
+        "$timescale 1ms $end\n$scope module camera $end\n$var wire 1 ! Line_0_2 $end\n"
+        "$var wire 1 \" FrameTriggerWait $end\n$var wire 1 # Line_0 $end\n$upscope $end\n$enddefinitions $end\n"
+        "#0\n$dumpvars\n0!\n0\"\n1#\n$end\n#100\n1!\n1\"\nx#\n#200\nx!\nx\"\n#300\n1!\n0\"\n#400\n0!\n#450\n#500\n");
+}
+
+// Samples are read while the page is shown, enabled and not paused, nothing otherwise: a gap. "Save..." proposes
+// the documents folder, then the one saved to last. sigrok-cli reads the dump with the levels the page sampled at
+// the times it sampled them; it knows no unknown level: a failed read and time not sampled read as 0.
+void tst_IOMonitor::savedDumpAsSigrokReadsIt()
+{
+    QTemporaryDir home, dir;
+    qputenv("HOME", home.path().toLocal8Bit()); // its documents folder and settings
+    QVERIFY(QDir(home.path()).mkdir("Documents"));
+    std::unique_ptr<TestCamera> cam = camera("all");
     QWidget parent;
     IOMonitorWidget* page = new IOMonitorWidget(cam->features(), &parent);
     page->findChild<QSpinBox*>("sb_Rate")->setValue(50);
-    const SignalTrace* line0 = page->traces().at(0);
-    QVERIFY(!page->isSampling());
+    page->findChild<QSpinBox*>("sb_Window")->setValue(2);
+    QVERIFY(found(*page) && !page->isSampling());
     parent.show();
-    QTRY_VERIFY_WITH_TIMEOUT(line0->samples().size() >= 3, 10000);
-    auto stopsReading = [&](const char* what) {
-        QVERIFY2(!page->isSampling() && line0->level() == SignalTrace::Unknown, what); // not sampled from now: a gap
+    QPushButton* pause = page->findChild<QPushButton*>("pb_Pause");
+    auto stopsReading = [&](const char* what)
+    {
+        QVERIFY2(!page->isSampling() && page->traces().at(0)->level() == SignalTrace::Unknown, what);
+        QTest::qWait(100); // a sample under way when it stopped ends
         cam->takeJournal();
-        const int taken = line0->samples().size();
+        const int taken = page->traces().at(0)->samples().size();
         QTest::qWait(100);
-        QVERIFY2(cam->takeJournal().isEmpty() && line0->samples().size() == taken, what);
+        QVERIFY2(cam->takeJournal().isEmpty() && page->traces().at(0)->samples().size() == taken, what);
     };
-    page->findChild<QPushButton*>("pb_Pause")->click();
-    stopsReading("paused");
-    page->findChild<QPushButton*>("pb_Pause")->click();
-    QVERIFY(page->isSampling());
-    parent.setEnabled(false); // the viewer's pages while the camera is lost
-    stopsReading("disabled");
-    parent.setEnabled(true);
-    QVERIFY(page->isSampling());
+    for (int step = 0; step < 12; ++step)
+    {
+        cam->set("LineStatusAll", 14 - step % 3 * 4); // Line1 high, the others change
+        if (step == 4)
+            cam->fail("LineStatusAll", "GetInt", OrvErrorTimeout, 2);
+        if (step == 6)
+            pause->click(), stopsReading("paused"), pause->click();
+        if (step == 9)
+            parent.setEnabled(false), stopsReading("disabled"), parent.setEnabled(true); // as the viewer's, camera lost
+        QTest::qWait(50);
+    }
     page->hide();
-    stopsReading("hidden");
-}
-
-// A dump parsed back gives each signal's changes at the sample times, with
-// "x" for a failed read, a time stamp for every sample (also one that changes
-// nothing) and the end, and names GTKWave accepts.
-void tst_IOMonitor::vcdRoundTrips()
-{
-    SignalTrace line("Line 0"), state("FrameTriggerWait");
-    const QVector<QPair<qint64, QPair<int, int>>> samples{
-        {900, {1, 0}}, {1000, {0, 0}}, {1100, {1, 1}}, {1200, {-1, 1}}, {1300, {1, 0}}, {1400, {0, 0}}, {1450, {0, 0}}};
-    for (const auto& sample : samples)
+    stopsReading("hidden"); // the traces stay as saved
+    QCOMPARE(page->proposedSavePath(), home.path() + "/Documents/io-monitor.vcd");
+    QVERIFY(page->saveVcd(dir.filePath("t.vcd"), nullptr));
+    QCOMPARE(page->proposedSavePath(), dir.path() + "/io-monitor.vcd");
+    QProcess sigrok;
+    sigrok.start("sigrok-cli", {"-I", "vcd", "-i", dir.filePath("t.vcd"), "-O", "csv"});
+    QVERIFY(sigrok.waitForFinished(60000) && sigrok.exitCode() == 0);
+    // One row a millisecond from the start of the dump: "0,1,..." in the order of the rows.
+    const QStringList rows = QString(sigrok.readAllStandardOutput()).split('\n').filter(QRegularExpression("^[01]"));
+    const qint64 from = page->traces().last()->samples().at(page->traces().last()->samples().size() - 2).ms - 2000;
+    QCOMPARE(rows.size(), 2001);
+    for (int t = 0; t < page->traces().size(); ++t)
     {
-        line.append(sample.first, sample.second.first);
-        state.append(sample.first, sample.second.second);
+        const QVector<SignalTrace::Sample>& samples = page->traces().at(t)->samples();
+        for (int i = 0; i < samples.size(); ++i)
+        {
+            const int level = qMax(samples.at(i).level, 0),
+                      end = i + 1 < samples.size() ? samples.at(i + 1).ms : from + 2001;
+            for (qint64 ms = qMax(samples.at(i).ms, from); ms < end && ms <= from + 2000; ++ms)
+                QVERIFY2(rows.at(int(ms - from)).split(',').at(t) == QString::number(level),
+                         qPrintable(QString::number(ms)));
+        }
     }
-    const QByteArray dump = VcdWriter::dump({&line, &state}, 1000, 1500, QDateTime::currentDateTime());
-
-    QMap<QByteArray, QByteArray> names;
-    QMap<QByteArray, QStringList> changes;
-    QByteArray time, stamps;
-    for (const QByteArray& text : dump.split('\n'))
-    {
-        const QList<QByteArray> words = text.split(' ');
-        if (words.first() == "$var")
-            names[words.at(3)] = words.at(4);
-        else if (text.startsWith('#'))
-            stamps += ' ' + (time = text.mid(1));
-        else if (!text.isEmpty() && QByteArray("01x").contains(text.at(0)))
-            changes[names.value(text.mid(1))] << time + ":" + text.at(0);
-    }
-    QCOMPARE(names.values(), QList<QByteArray>({"Line_0", "FrameTriggerWait"}));
-    QCOMPARE(changes.value("Line_0"), QStringList({"0:0", "100:1", "200:x", "300:1", "400:0"}));
-    QCOMPARE(changes.value("FrameTriggerWait"), QStringList({"0:0", "100:1", "300:0"}));
-    QCOMPARE(stamps, QByteArray(" 0 100 200 300 400 450 500"));
-    QVERIFY(dump.contains("$timescale 1ms $end") && dump.endsWith("#500\n"));
 }
 
 // Loaded as a host loads it: a page titled "I/O Monitor" after the Trigger
@@ -276,11 +308,9 @@ void tst_IOMonitor::moduleServesOnlyCamerasWithLines()
     TabExtensionInterface* plugin = qobject_cast<TabExtensionInterface*>(loader.instance());
     QVERIFY2(plugin, qPrintable(loader.errorString()));
 
-    TestCamera noLines;
-    noLines.addEnum("TriggerMode", {"Off", "On"}, "Off");
+    TestCamera noLines; // no line selector
     QWidget empty;
-    QCOMPARE(plugin->get(noLines.features(), empty, nullptr), 4);
-    QVERIFY(!empty.layout() && empty.findChildren<QWidget*>().isEmpty());
+    QVERIFY(plugin->get(noLines.features(), empty, nullptr) == 4 && empty.findChildren<QWidget*>().isEmpty());
 
     std::unique_ptr<TestCamera> cam = camera("masks");
     QWidget parent;

@@ -1,6 +1,11 @@
 #include "TestCamera.h"
 
+#include <OrvCPP/ExclusiveAccess.h>
+
+#include <QCoreApplication>
 #include <QMap>
+#include <QThread>
+#include <QTimer>
 
 #include <algorithm>
 #include <condition_variable>
@@ -68,6 +73,10 @@ struct Core
     std::condition_variable changed;                                // the queue or `stopping`
     bool stopping = false;
     std::thread notifier{[this] { deliver(); }};
+    // ExclusiveAccess: held by a thread between BeginExclusive and EndExclusive,
+    // and by the GUI thread from a call until its event loop passes again.
+    std::recursive_timed_mutex run;
+    bool guiHolds = false;
 
     std::shared_ptr<TestFeature> find(const QString& name);
     Slot& slot(FeatureData& d);
@@ -84,7 +93,10 @@ struct Core
     }
 };
 
-class TestFeature : public OrvCPP::Feature, public FeatureData, public std::enable_shared_from_this<TestFeature>
+class TestFeature : public OrvCPP::Feature,
+                    public OrvCPP::ExclusiveAccess,
+                    public FeatureData,
+                    public std::enable_shared_from_this<TestFeature>
 {
 public:
     TestFeature(const std::shared_ptr<Core>& core, const FeatureData& data)
@@ -187,7 +199,27 @@ public:
         return observe("UnregisterObserver", observer, false);
     }
 
+    bool BeginExclusive(int timeoutMs) override
+    {
+        const std::shared_ptr<Core> core = m_core.lock(); // the camera may be gone
+        return core && core->run.try_lock_for(std::chrono::milliseconds(timeoutMs));
+    }
+    void EndExclusive() override
+    {
+        m_core.lock()->run.unlock(); // after BeginExclusive: the camera is there
+    }
+
 private:
+    // The GUI thread's calls between two passes of its event loop are one run; other threads' calls do not wait.
+    static void enterRun(const std::shared_ptr<Core>& core)
+    {
+        QCoreApplication* app = QCoreApplication::instance();
+        if (!app || QThread::currentThread() != app->thread() || core->guiHolds)
+            return;
+        core->run.lock(), core->guiHolds = true;
+        QTimer::singleShot(0, app, [core] { core->guiHolds = false, core->run.unlock(); });
+    }
+
     // Runs a query under the camera's lock; an injected fault, a feature of a
     // type not in `types` (when given) or a missing increment fails it.
     template <class Body> OrvErrorType read(const char* op, const QVector<OrvFeatureDataType>& types, Body body)
@@ -195,6 +227,7 @@ private:
         const std::shared_ptr<Core> core = m_core.lock();
         if (!core)
             return OrvErrorDeviceLost;
+        enterRun(core);
         std::lock_guard<std::mutex> lock(core->mutex);
         OrvErrorType code = core->fault(name, op);
         const bool noIncrement = QByteArray(op).startsWith("GetIncrement") && increment <= 0;
@@ -230,6 +263,7 @@ private:
         const std::shared_ptr<Core> core = m_core.lock();
         if (!core)
             return OrvErrorDeviceLost;
+        enterRun(core);
         std::lock_guard<std::mutex> lock(core->mutex);
         Slot& s = core->slot(*this);
         const double v = value.toDouble();

@@ -56,10 +56,10 @@ private slots:
         // Row r's lamp (column 2) or edges (4); rows Line0-3, AcquisitionActive, FrameTriggerWait, Acquiring.
         auto cell = [&](int r, int c)
         { return static_cast<QLabel*>(page->findChild<QGridLayout*>("grid_Lines")->itemAtPosition(r, c)->widget()); };
-        // Line1 follows UserOutput0: one rising edge between two samples.
-        QMetaObject::invokeMethod(page->layout()->itemAt(0)->widget(), "sampleNow");
+        // Line1 follows UserOutput0: one rising edge between samples (taken on the page's own thread).
+        QVERIFY(QSignalSpy(page->layout()->itemAt(0)->widget(), SIGNAL(sampled())).wait(10000));
         lost->withAravisDevice([](auto d) { arv_device_set_boolean_feature_value(d, "UserOutputValue", 1, nullptr); });
-        QMetaObject::invokeMethod(page->layout()->itemAt(0)->widget(), "sampleNow");
+        QTRY_VERIFY(cell(1, 2)->styleSheet().contains("80, 220, 120"));
 
         std::weak_ptr<GenICamCamera> found;
         auto reconnect = [&] // true when the window waits
@@ -93,15 +93,14 @@ private slots:
         page = window->tabs()->widget(1);
         QCOMPARE(page->findChild<QSpinBox*>("sb_Window")->value(), 30);
         // Line1's fall to the new camera's level counted across the outage, a gap in its trace (wire '"').
-        QTRY_COMPARE(cell(1, 4)->text(), QString::fromUtf8("↑1 ↓1"));
+        QTRY_VERIFY(page->findChild<QLabel*>("lamp1") && cell(1, 4)->text() == QString::fromUtf8("↑1 ↓1"));
         QVERIFY(save("new.vcd", [] { return true; }).contains(QRegularExpression("\n1\"\n[^\"]*x\"\n[^\"]*0\"\n")));
         // The host's acquisition and the camera's state reach the monitor built anew.
         page->findChild<QCheckBox*>("cb_States")->setChecked(true);
         window->acquireButton()->click();
         QTRY_VERIFY(window->isStreaming());
-        QMetaObject::invokeMethod(page->layout()->itemAt(0)->widget(), "sampleNow");
         for (int row : {4, 6})
-            QVERIFY(cell(row, 2)->styleSheet().contains("80, 220, 120"));
+            QTRY_VERIFY(cell(row, 2)->styleSheet().contains("80, 220, 120"));
 
         (new QMenu(page))->popup({});
         QVERIFY(reconnect() && !found.expired());
@@ -224,6 +223,32 @@ private slots:
         camera.withAravisDevice([&](ArvDevice* device) { arv_device_read_register(device, 0x0a00, &privilege, nullptr); });
         QCOMPARE(privilege & 0x3, guint32(0x2)); // control, not exclusive
         QVERIFY(!camera.isDeviceLost());
+    }
+
+    // The I/O Monitor shown on a camera that stops answering: the GUI thread never waits for it (no event
+    // waits longer than 200 ms), the traces show the gap ("no answer"), the camera is reported lost as ever.
+    void silentCameraNeverHoldsTheMonitor()
+    {
+        GenICamCamera camera;
+        QCOMPARE(camera.open("127.0.0.1"), OrvErrorSuccess);
+        ViewerWindow window(&camera);
+        QCOMPARE(window.addTabs(TRIGGERIO_PLUGIN_DIR), 2);
+        window.show();
+        window.tabs()->setCurrentIndex(1);
+        QWidget* page = window.tabs()->widget(1);
+        QLabel* lamp = nullptr; // Line0's, once the lines are found and sampled
+        QTRY_VERIFY((lamp = page->findChild<QLabel*>("lamp0")) && !lamp->styleSheet().contains("gray"));
+        QElapsedTimer clock;
+        qint64 longest = 0;
+        QTimer beat;
+        connect(&beat, &QTimer::timeout, [&] { longest = qMax(longest, clock.restart()); });
+        clock.start(), beat.start(10), m_server.pause();
+        QTRY_VERIFY_WITH_TIMEOUT(lamp->styleSheet().contains("gray") && !window.isCameraLost() && // a gap, soon
+                                     page->findChild<QLabel*>("l_SamplingNote")->text().startsWith("No answer"),
+                                 1500);
+        QTRY_VERIFY_WITH_TIMEOUT(window.isCameraLost() && !window.tabs()->isEnabled(), 20000);
+        QVERIFY2(longest <= 200, qPrintable(QString("the GUI waited %1 ms").arg(longest)));
+        m_server.resume();
     }
 };
 
