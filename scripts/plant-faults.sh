@@ -373,6 +373,15 @@ c-burst-end~cache~orvcpp/genicam/RegisterCache.cpp~    if (!m_guiBurst || genera
 c-exclusive~cache~orvcpp/genicam/RegisterCache.cpp~    if (m_owner.load() != self)\n    {\n        m_released.wait(lock~    if (false)\n    {\n        m_released.wait(lock~the GUI thread's calls do not wait for another thread's bracket
 c-elide~cache~orvcpp/genicam/RegisterCache.cpp~        if (kept != m_entries.end() && std::equal(kept->second.begin(), kept->second.end(), bytes))~        if (kept != m_entries.end())~a write of another value than the one kept is not sent either
 c-keep-any~cache~orvcpp/genicam/GenICamFeature.cpp~m_device->cache().setReader(&m_name, m_uncached || m_type == OrvFeatureDataCommand, m_selector);~m_device->cache().setReader(&m_name, m_uncached || m_type == OrvFeatureDataCommand, true);~every register keeps what was written to it, not only a selector's
+ts-trigger-off~setup~viewer/TriggerSetup.cpp~                apply("TriggerMode", "Off", where);~                original.clear();~a trigger's source is changed while the trigger is on
+ts-line-order~setup~viewer/TriggerSetup.cpp~mode == "Output" ? QStringList{"LineRouting", "LineInverter"}~mode != "Output" ? QStringList{"LineRouting", "LineInverter"}~a line turned into an input gets its mode before its source, which the mode then locks
+ts-capture-restore~setup~viewer/TriggerSetup.cpp~        selector->SetValue(saved.toStdString().c_str());~        ;~saving leaves each selector on its last entry
+ts-apply-restore~setup~viewer/TriggerSetup.cpp~    applier.restore();~    ;~loading leaves the selectors where the file's last lines put them
+ts-keep-late~setup~viewer/TriggerSetup.cpp~        if (m_kept.contains(selector) || !m_map.contains(selector))~        if (!m_map.contains(selector))~loading puts a selector back where the step before left it, not where it was found
+ts-missing~setup~viewer/TriggerSetup.cpp~            missing(name);\n            return false;~            return false;~a feature the camera lacks is skipped without a word
+ts-skip-dependents~setup~viewer/TriggerSetup.cpp~        if (!step.selector.isEmpty() && !select(step))\n            return;~        if (!step.selector.isEmpty())\n            select(step);~the values under a selector entry the camera refuses are written under the entry selected before
+ts-differs~setup~viewer/TriggerSetup.cpp~        if (wanted == now)~        if (false)~every value is written, also those the camera has already
+ts-parse-selector~setup~viewer/TriggerSetup.cpp~        if (!selector.isEmpty() && !selectorsSeen.contains(selector))~        if (false)~a file whose selected value has no selector line before it is applied under whatever the camera selects
 LIST
 )
 
@@ -464,7 +473,7 @@ done <<<"$faults"
 cmake --build "$build" -j"$jobs" >/dev/null 2>&1
 echo
 printf '%-12s %6s %7s %7s\n' kind faults caught missed
-for kind in dispatch preset-step literal size alt-order restore row-limit other poller device finder viewer graph monitor package chooser gui-thread cache equivalent; do
+for kind in dispatch preset-step literal size alt-order restore row-limit other poller device finder viewer graph monitor package chooser gui-thread cache setup equivalent; do
     [ -n "${k_all[$kind]:-}" ] || continue
     printf '%-12s %6d %7d %7d\n' "$kind" "${k_all[$kind]}" "${k_caught[$kind]:-0}" "${k_missed[$kind]:-0}"
 done
