@@ -381,6 +381,7 @@ ts-keep-late~setup~viewer/TriggerSetup.cpp~        if (m_kept.contains(selector)
 ts-missing~setup~viewer/TriggerSetup.cpp~            missing(name);\n            return false;~            return false;~a feature the camera lacks is skipped without a word
 ts-skip-dependents~setup~viewer/TriggerSetup.cpp~        if (!step.selector.isEmpty() && !select(step))\n            return;~        if (!step.selector.isEmpty())\n            select(step);~the values under a selector entry the camera refuses are written under the entry selected before
 ts-differs~setup~viewer/TriggerSetup.cpp~        if (wanted == now)~        if (false)~every value is written, also those the camera has already
+ts-exclusive-end~setup~viewer/TriggerSetup.cpp~    if (access)\n        access->EndExclusive();~    if (!access)\n        access->EndExclusive();~a setup saved or loaded off the GUI thread keeps the camera from every other thread
 ts-parse-selector~setup~viewer/TriggerSetup.cpp~        if (!selector.isEmpty() && !selectorsSeen.contains(selector))~        if (false)~a file whose selected value has no selector line before it is applied under whatever the camera selects
 LIST
 )

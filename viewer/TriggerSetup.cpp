@@ -1,10 +1,15 @@
 #include "TriggerSetup.h"
 
+#include <OrvCPP/ExclusiveAccess.h>
+
+#include <QCoreApplication>
 #include <QHash>
+#include <QThread>
 #include <QRegularExpression>
 #include <QSet>
 
 #include <algorithm>
+#include <functional>
 
 using OrvCPP::Feature;
 using OrvCPP::shared_ptr;
@@ -44,6 +49,25 @@ bool isSelector(const QString& name)
 }
 
 typedef QHash<QString, shared_ptr<Feature>> FeatureMap;
+
+// Runs work on a camera's features; off the GUI thread as one run that no
+// other thread's calls come between, on cameras that offer it, so that a
+// selector moved here is not seen moved by a page's refresh (the GUI thread's
+// own calls form such a run). False, work not run, when another thread kept
+// the camera busy.
+bool exclusively(const FeatureList& features, const std::function<void()>& work)
+{
+    const QCoreApplication* app = QCoreApplication::instance();
+    OrvCPP::ExclusiveAccess* access = nullptr;
+    if (features && !features->isEmpty() && !(app && QThread::currentThread() == app->thread()))
+        access = dynamic_cast<OrvCPP::ExclusiveAccess*>(features->first().get());
+    if (access && !access->BeginExclusive(5000))
+        return false;
+    work();
+    if (access)
+        access->EndExclusive();
+    return true;
+}
 
 FeatureMap byName(const FeatureList& features)
 {
@@ -371,6 +395,13 @@ bool TriggerSetup::isSetupFeature(const QString& name)
 TriggerSetup TriggerSetup::capture(const FeatureList& features)
 {
     TriggerSetup setup;
+    exclusively(features, [&] { setup.captureFrom(features); });
+    return setup;
+}
+
+void TriggerSetup::captureFrom(const FeatureList& features)
+{
+    TriggerSetup& setup = *this;
     const FeatureMap map = byName(features);
     QString vendor, model;
     if (map.contains("DeviceVendorName") && map.contains("DeviceModelName")
@@ -411,7 +442,6 @@ TriggerSetup TriggerSetup::capture(const FeatureList& features)
         }
         selector->SetValue(saved.toStdString().c_str());
     }
-    return setup;
 }
 
 bool TriggerSetup::parse(const QString& text, QString* error)
@@ -496,10 +526,14 @@ TriggerSetup::Report TriggerSetup::applyTo(const FeatureList& features) const
             steps.append({QString(), QString(), {value}});
     }
     Report report;
-    Applier applier(features, report);
-    for (const Step& step : steps)
-        applier.run(step);
-    applier.restore();
+    const bool ran = exclusively(features, [&] {
+        Applier applier(features, report);
+        for (const Step& step : steps)
+            applier.run(step);
+        applier.restore();
+    });
+    if (!ran)
+        report.refused << QStringLiteral("nothing written: another thread kept the camera busy");
     return report;
 }
 

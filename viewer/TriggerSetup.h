@@ -27,8 +27,10 @@
 //   LineSource	UserOutput0
 //   LineInverter	0
 //
-// Works on a feature list through the camera API only. Every selector it moves
-// is put back where it was found, also when a read or a write fails.
+// Works on a feature list through the camera API only, from any thread (off
+// the GUI thread as one exclusive run on cameras that offer it). Every
+// selector it moves is put back where it was found, also when a read or a
+// write fails.
 class TriggerSetup
 {
 public:
@@ -71,6 +73,8 @@ public:
     static bool isSetupFeature(const QString& name);
 
 private:
+    void captureFrom(const FeatureList& features);
+
     QString m_device;
     QVector<Value> m_values;
 };

@@ -2,23 +2,26 @@
 
 #include "TriggerSetup.h"
 
-#include <QApplication>
+#include "BackgroundJobs.h"
+
+#include <QAction>
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileDialog>
 #include <QMenu>
 #include <QMessageBox>
+#include <QPointer>
 #include <QSaveFile>
 
 TriggerSetupActions::TriggerSetupActions(QMenu* menu, std::function<FeatureList()> current, QWidget* window)
     : QObject(menu), m_current(std::move(current)), m_window(window)
 {
-    menu->addAction(tr("Save trigger setup..."), this, &TriggerSetupActions::onSave);
-    menu->addAction(tr("Load trigger setup..."), this, &TriggerSetupActions::onLoad);
+    m_actions << menu->addAction(tr("Save trigger setup..."), this, &TriggerSetupActions::onSave)
+              << menu->addAction(tr("Load trigger setup..."), this, &TriggerSetupActions::onLoad);
 }
 
-bool TriggerSetupActions::save(const QString& path, QString* error) const
+bool TriggerSetupActions::save(const FeatureList& features, const QString& path, QString* error)
 {
-    const FeatureList features = m_current();
     if (!features || features->isEmpty())
     {
         *error = tr("No camera is open.");
@@ -35,9 +38,8 @@ bool TriggerSetupActions::save(const QString& path, QString* error) const
     return false;
 }
 
-bool TriggerSetupActions::load(const QString& path, QString* result) const
+bool TriggerSetupActions::load(const FeatureList& features, const QString& path, QString* result)
 {
-    const FeatureList features = m_current();
     QFile file(path);
     TriggerSetup setup;
     QString error;
@@ -57,27 +59,45 @@ bool TriggerSetupActions::load(const QString& path, QString* result) const
     return false;
 }
 
+void TriggerSetupActions::run(const QString& title, const std::function<bool(QString*)>& job)
+{
+    for (QAction* action : qAsConst(m_actions))
+        action->setEnabled(false);
+    const QPointer<TriggerSetupActions> self(this);
+    BackgroundJobs::start([self, title, job] {
+        QString message;
+        const bool done = job(&message);
+        if (QCoreApplication* app = QCoreApplication::instance())
+            QMetaObject::invokeMethod(
+                app,
+                [self, title, done, message] {
+                    if (!self)
+                        return;
+                    for (QAction* action : qAsConst(self->m_actions))
+                        action->setEnabled(true);
+                    if (!done)
+                        QMessageBox::warning(self->m_window, title, message);
+                    else if (!message.isEmpty())
+                        QMessageBox::information(self->m_window, title, message);
+                },
+                Qt::QueuedConnection);
+    });
+}
+
 void TriggerSetupActions::onSave()
 {
     const QString path = QFileDialog::getSaveFileName(m_window, tr("Save trigger setup"), QString(),
                                                       tr("Trigger setups (*.txt);;All files (*)"));
-    QString error;
-    if (!path.isEmpty() && !save(path, &error))
-        QMessageBox::warning(m_window, tr("Save trigger setup"), error);
+    const FeatureList features = m_current();
+    if (!path.isEmpty())
+        run(tr("Save trigger setup"), [features, path](QString* error) { return save(features, path, error); });
 }
 
 void TriggerSetupActions::onLoad()
 {
     const QString path = QFileDialog::getOpenFileName(m_window, tr("Load trigger setup"), QString(),
                                                       tr("Trigger setups (*.txt);;All files (*)"));
-    if (path.isEmpty())
-        return;
-    QString result;
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-    const bool applied = load(path, &result);
-    QApplication::restoreOverrideCursor();
-    if (applied)
-        QMessageBox::information(m_window, tr("Load trigger setup"), result);
-    else
-        QMessageBox::warning(m_window, tr("Load trigger setup"), result);
+    const FeatureList features = m_current();
+    if (!path.isEmpty())
+        run(tr("Load trigger setup"), [features, path](QString* result) { return load(features, path, result); });
 }
