@@ -377,7 +377,7 @@ ts-trigger-off~setup~viewer/TriggerSetup.cpp~                apply("TriggerMode"
 ts-line-order~setup~viewer/TriggerSetup.cpp~mode == "Output" ? QStringList{"LineRouting", "LineInverter"}~mode != "Output" ? QStringList{"LineRouting", "LineInverter"}~a line turned into an input gets its mode before its source, which the mode then locks
 ts-capture-restore~setup~viewer/TriggerSetup.cpp~        selector->SetValue(saved.toStdString().c_str());~        ;~saving leaves each selector on its last entry
 ts-apply-restore~setup~viewer/TriggerSetup.cpp~    applier.restore();~    ;~loading leaves the selectors where the file's last lines put them
-ts-keep-late~setup~viewer/TriggerSetup.cpp~        if (m_kept.contains(selector) || !m_map.contains(selector))~        if (!m_map.contains(selector))~loading puts a selector back where the step before left it, not where it was found
+ts-keep-late~setup~viewer/TriggerSetup.cpp~        if (m_kept.contains(selector))\n            return true;~        if (false)\n            return true;~loading puts a selector back where the step before left it, not where it was found
 ts-missing~setup~viewer/TriggerSetup.cpp~            missing(name);\n            return false;~            return false;~a feature the camera lacks is skipped without a word
 ts-skip-dependents~setup~viewer/TriggerSetup.cpp~        if (!step.selector.isEmpty() && !select(step))\n            return;~        if (!step.selector.isEmpty())\n            select(step);~the values under a selector entry the camera refuses are written under the entry selected before
 ts-differs~setup~viewer/TriggerSetup.cpp~        if (wanted == now)~        if (false)~every value is written, also those the camera has already

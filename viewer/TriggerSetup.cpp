@@ -200,14 +200,17 @@ public:
             m_report.missing << name;
     }
 
-    // Remembers a selector's position once, before the first write moves it.
-    void keep(const QString& selector)
+    // Remembers a selector's position once, before the first write moves it;
+    // false when it cannot be read (and so could not be put back).
+    bool keep(const QString& selector)
     {
-        if (m_kept.contains(selector) || !m_map.contains(selector))
-            return;
         QString now;
-        if (readText(*m_map.value(selector), &now))
-            m_kept.insert(selector, now);
+        if (m_kept.contains(selector))
+            return true;
+        if (!readText(*m_map.value(selector), &now))
+            return false;
+        m_kept.insert(selector, now);
+        return true;
     }
 
     void restore()
@@ -290,9 +293,10 @@ public:
                 missing(value.name);
             return false;
         }
-        keep(step.selector);
         const QString label = step.selector + " = " + step.entry;
         const QString skipped = QStringLiteral("; its %1 value(s) skipped").arg(step.values.size());
+        if (!keep(step.selector))
+            return refuse(label, QStringLiteral("its position cannot be read to be put back") + skipped);
         std::vector<std::string> entries;
         bool available = false;
         selector->GetValues(entries);

@@ -180,10 +180,16 @@ private slots:
         QCOMPARE(target.set(targetEdits), QString());
         const QStringList sourceAt = positions(source), targetAt = positions(target);
         // Saved off the GUI thread, as the viewer does (the GUI thread's run ends
-        // when its event loop runs): the camera is free again afterwards.
-        auto saving = std::async(std::launch::async, [&source] { return TriggerSetup::capture(source.features).text(); });
-        QTRY_VERIFY(saving.wait_for(std::chrono::seconds(0)) == std::future_status::ready);
-        const QString file = saving.get();
+        // when its event loop runs), twice: the second finds the camera free again.
+        QString file;
+        for (int round = 0; round < 2; ++round)
+        {
+            auto saving = std::async(std::launch::async, [&source] { return TriggerSetup::capture(source.features).text(); });
+            QTRY_VERIFY_WITH_TIMEOUT(saving.wait_for(std::chrono::seconds(0)) == std::future_status::ready, 10000);
+            const QString saved = saving.get();
+            QVERIFY2(round == 0 || saved == file, qPrintable(saved));
+            file = saved;
+        }
         QCOMPARE(positions(source), sourceAt);
         QVERIFY2(file.contains("TriggerSelector\tFrameStart\nTriggerMode\tOn\nTriggerSource\tLine2\n"), qPrintable(file));
 
