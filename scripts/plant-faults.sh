@@ -385,6 +385,16 @@ m-sampler-gui~monitor~iomonitor/IOMonitorWidget.cpp~    QMetaObject::invokeMetho
 m-no-answer~monitor~iomonitor/IOMonitorWidget.cpp~    markNotSampled(0, m_lineCount + m_stateCount - 1);\n    m_rows.back()~    m_rows.back()~a sample the camera does not answer leaves the last level shown, not a gap
 m-no-answer-note~monitor~iomonitor/IOMonitorWidget.cpp~        m_noAnswer = true;~        m_noAnswer = false;~the page does not say that the camera does not answer
 m-exclusive~monitor~iomonitor/MonitorSampler.cpp~if (!m_access || m_access->BeginExclusive(AccessSliceMs))~if (true)~a sample's selector walk not bracketed: it comes between the Trigger IO tab's calls
+ts-trigger-off~setup~viewer/TriggerSetup.cpp~                apply("TriggerMode", "Off", where);~                original.clear();~a trigger's source is changed while the trigger is on
+ts-line-order~setup~viewer/TriggerSetup.cpp~mode == "Output" ? QStringList{"LineRouting", "LineInverter"}~mode != "Output" ? QStringList{"LineRouting", "LineInverter"}~a line turned into an input gets its mode before its source, which the mode then locks
+ts-capture-restore~setup~viewer/TriggerSetup.cpp~        selector->SetValue(saved.toStdString().c_str());~        ;~saving leaves each selector on its last entry
+ts-apply-restore~setup~viewer/TriggerSetup.cpp~    applier.restore();~    ;~loading leaves the selectors where the file's last lines put them
+ts-keep-late~setup~viewer/TriggerSetup.cpp~        if (m_kept.contains(selector))\n            return true;~        if (false)\n            return true;~loading puts a selector back where the step before left it, not where it was found
+ts-missing~setup~viewer/TriggerSetup.cpp~            missing(name);\n            return false;~            return false;~a feature the camera lacks is skipped without a word
+ts-skip-dependents~setup~viewer/TriggerSetup.cpp~        if (!step.selector.isEmpty() && !select(step))\n            return;~        if (!step.selector.isEmpty())\n            select(step);~the values under a selector entry the camera refuses are written under the entry selected before
+ts-differs~setup~viewer/TriggerSetup.cpp~        if (wanted == now)~        if (false)~every value is written, also those the camera has already
+ts-exclusive-end~setup~viewer/TriggerSetup.cpp~    if (access)\n        access->EndExclusive();~    if (!access)\n        access->EndExclusive();~a setup saved or loaded off the GUI thread keeps the camera from every other thread
+ts-parse-selector~setup~viewer/TriggerSetup.cpp~        if (!selector.isEmpty() && !selectorsSeen.contains(selector))~        if (false)~a file whose selected value has no selector line before it is applied under whatever the camera selects
 LIST
 )
 
@@ -476,7 +486,7 @@ done <<<"$faults"
 cmake --build "$build" -j"$jobs" >/dev/null 2>&1
 echo
 printf '%-12s %6s %7s %7s\n' kind faults caught missed
-for kind in dispatch preset-step literal size alt-order restore row-limit other poller device finder viewer graph monitor package chooser gui-thread cache equivalent; do
+for kind in dispatch preset-step literal size alt-order restore row-limit other poller device finder viewer graph monitor package chooser gui-thread cache setup equivalent; do
     [ -n "${k_all[$kind]:-}" ] || continue
     printf '%-12s %6d %7d %7d\n' "$kind" "${k_all[$kind]}" "${k_caught[$kind]:-0}" "${k_missed[$kind]:-0}"
 done

@@ -5,6 +5,7 @@
 #include "CameraStream.h"
 #include "GenICamCamera.h"
 #include "PluginHost.h"
+#include "TriggerSetupActions.h"
 #include "TabExtensionInterface.h"
 
 #include <QApplication>
@@ -92,6 +93,8 @@ ViewerWindow::ViewerWindow(GenICamCamera* camera, QWidget* parent)
 
     QMenu* cameraMenu = menuBar()->addMenu(tr("&Camera"));
     cameraMenu->addAction(tr("&Open..."), this, &ViewerWindow::showChooser, QKeySequence::Open);
+    cameraMenu->addSeparator();
+    new TriggerSetupActions(cameraMenu, [this] { return m_features; }, this);
     cameraMenu->addSeparator();
     cameraMenu->addAction(tr("&Quit"), this, &QWidget::close, QKeySequence::Quit);
 

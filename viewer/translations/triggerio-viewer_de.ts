@@ -88,6 +88,53 @@
     </message>
 </context>
 <context>
+    <name>TriggerSetupActions</name>
+    <message>
+        <source>Save trigger setup...</source>
+        <translation>Trigger-Einstellungen speichern...</translation>
+    </message>
+    <message>
+        <source>Load trigger setup...</source>
+        <translation>Trigger-Einstellungen laden...</translation>
+    </message>
+    <message>
+        <source>No camera is open.</source>
+        <translation>Keine Kamera ist geöffnet.</translation>
+    </message>
+    <message>
+        <source>The camera has none of the trigger setup&apos;s features.</source>
+        <translation>Die Kamera hat keines der Features der Trigger-Einstellungen.</translation>
+    </message>
+    <message>
+        <source>Cannot write %1: %2</source>
+        <translation>%1 kann nicht geschrieben werden: %2</translation>
+    </message>
+    <message>
+        <source>Cannot read %1: %2</source>
+        <translation>%1 kann nicht gelesen werden: %2</translation>
+    </message>
+    <message>
+        <source>%1 is too large for a trigger setup.</source>
+        <translation>%1 ist zu groß für Trigger-Einstellungen.</translation>
+    </message>
+    <message>
+        <source>%1 is not a trigger setup (nothing was written): %2</source>
+        <translation>%1 enthält keine Trigger-Einstellungen (nichts wurde geschrieben): %2</translation>
+    </message>
+    <message>
+        <source>Save trigger setup</source>
+        <translation>Trigger-Einstellungen speichern</translation>
+    </message>
+    <message>
+        <source>Trigger setups (*.txt);;All files (*)</source>
+        <translation>Trigger-Einstellungen (*.txt);;Alle Dateien (*)</translation>
+    </message>
+    <message>
+        <source>Load trigger setup</source>
+        <translation>Trigger-Einstellungen laden</translation>
+    </message>
+</context>
+<context>
     <name>ViewerWindow</name>
     <message>
         <source>Acquire</source>
