@@ -21,7 +21,14 @@ MonitorSampler::MonitorSampler(const FeatureList& features)
         m_access = dynamic_cast<OrvCPP::ExclusiveAccess*>(m_features->first().get());
 }
 
-MonitorSampler::~MonitorSampler() = default;
+MonitorSampler::~MonitorSampler()
+{
+    // Destroyed once its thread has ended: taking the turn the last slot run
+    // gave back orders this after it, also for ThreadSanitizer, which cannot
+    // see QThread::wait().
+    m_turn.lock();
+    m_turn.unlock();
+}
 
 void MonitorSampler::stop()
 {
@@ -60,6 +67,7 @@ QStringList MonitorSampler::directions() const
 
 void MonitorSampler::find()
 {
+    const std::lock_guard<std::mutex> turn(m_turn);
     if (!begin())
         return;
     m_lines.reset(new LineSampler(m_features));
@@ -74,6 +82,7 @@ void MonitorSampler::find()
 
 void MonitorSampler::sample(qint64 ms, bool states)
 {
+    const std::lock_guard<std::mutex> turn(m_turn);
     if (!m_lines || ms < m_dropBefore || !begin())
         return;
     QVector<int> levels = m_lines->sample();
@@ -85,6 +94,7 @@ void MonitorSampler::sample(qint64 ms, bool states)
 
 void MonitorSampler::reread()
 {
+    const std::lock_guard<std::mutex> turn(m_turn);
     if (!m_lines || !begin())
         return;
     m_lines->readDirections();

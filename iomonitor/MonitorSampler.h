@@ -9,6 +9,7 @@
 
 #include <atomic>
 #include <memory>
+#include <mutex>
 
 class LineSampler;
 class TriggerMonitor;
@@ -71,6 +72,7 @@ private:
     std::unique_ptr<TriggerMonitor> m_trigger;
     std::atomic<bool> m_stopped{false};
     std::atomic<qint64> m_dropBefore{0};
+    std::mutex m_turn; // held by a slot while it runs
 };
 
 #endif

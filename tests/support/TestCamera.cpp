@@ -75,8 +75,30 @@ struct Core
     std::thread notifier{[this] { deliver(); }};
     // ExclusiveAccess: held by a thread between BeginExclusive and EndExclusive,
     // and by the GUI thread from a call until its event loop passes again.
-    std::recursive_timed_mutex run;
+    // (A mutex and a condition rather than a timed mutex: ThreadSanitizer sees those.)
+    std::mutex runLock;
+    std::condition_variable runFree;
+    std::thread::id runOwner;
+    int runDepth = 0;
     bool guiHolds = false;
+    bool beginRun(int timeoutMs)
+    {
+        std::unique_lock<std::mutex> lock(runLock);
+        const auto self = std::this_thread::get_id();
+        const auto free = [&] { return runDepth == 0 || runOwner == self; };
+        if (timeoutMs < 0)
+            runFree.wait(lock, free);
+        else if (!runFree.wait_for(lock, std::chrono::milliseconds(timeoutMs), free))
+            return false;
+        runOwner = self, ++runDepth;
+        return true;
+    }
+    void endRun()
+    {
+        std::lock_guard<std::mutex> lock(runLock);
+        if (--runDepth == 0)
+            runOwner = std::thread::id(), runFree.notify_all();
+    }
 
     std::shared_ptr<TestFeature> find(const QString& name);
     Slot& slot(FeatureData& d);
@@ -202,11 +224,11 @@ public:
     bool BeginExclusive(int timeoutMs) override
     {
         const std::shared_ptr<Core> core = m_core.lock(); // the camera may be gone
-        return core && core->run.try_lock_for(std::chrono::milliseconds(timeoutMs));
+        return core && core->beginRun(timeoutMs);
     }
     void EndExclusive() override
     {
-        m_core.lock()->run.unlock(); // after BeginExclusive: the camera is there
+        m_core.lock()->endRun(); // after BeginExclusive: the camera is there
     }
 
 private:
@@ -216,8 +238,8 @@ private:
         QCoreApplication* app = QCoreApplication::instance();
         if (!app || QThread::currentThread() != app->thread() || core->guiHolds)
             return;
-        core->run.lock(), core->guiHolds = true;
-        QTimer::singleShot(0, app, [core] { core->guiHolds = false, core->run.unlock(); });
+        core->beginRun(-1), core->guiHolds = true;
+        QTimer::singleShot(0, app, [core] { core->guiHolds = false, core->endRun(); });
     }
 
     // Runs a query under the camera's lock; an injected fault, a feature of a
