@@ -30,7 +30,7 @@ enum ListColumn
 };
 
 // The camera list's width at most: the pages get the rest.
-const int ListWidthMax = 280;
+const int ListWidthMax = 300;
 
 } // namespace
 
@@ -41,6 +41,7 @@ ViewerWindow::ViewerWindow(GenICamCamera* camera, QWidget* parent)
     , m_views(new QStackedWidget)
     , m_cameraView(new QWidget)
     , m_list(new QTreeWidget)
+    , m_side(new QWidget)
     , m_pages(new QStackedWidget)
 {
     m_list->setObjectName("cameraList");
@@ -52,15 +53,15 @@ ViewerWindow::ViewerWindow(GenICamCamera* camera, QWidget* parent)
     close->setObjectName("closeCameraButton");
     QPushButton* add = new QPushButton(tr("Add camera..."));
     add->setObjectName("addCameraButton");
-    QWidget* side = new QWidget;
-    side->setMaximumWidth(ListWidthMax);
-    QVBoxLayout* sideLayout = new QVBoxLayout(side);
+    m_side->setMaximumWidth(ListWidthMax);
+    m_side->hide();
+    QVBoxLayout* sideLayout = new QVBoxLayout(m_side);
     sideLayout->setContentsMargins(0, 0, 0, 0);
     sideLayout->addWidget(m_list, 1);
     sideLayout->addWidget(add);
     sideLayout->addWidget(close);
     QHBoxLayout* layout = new QHBoxLayout(m_cameraView);
-    layout->addWidget(side);
+    layout->addWidget(m_side);
     layout->addWidget(m_pages, 1);
 
     m_chooser->setObjectName("cameraChooser");
@@ -275,6 +276,8 @@ void ViewerWindow::refreshList()
     m_list->resizeColumnToContents(NameColumn);
     m_list->resizeColumnToContents(SerialColumn);
     m_list->blockSignals(false);
+    // One camera alone is shown as the window always showed it: without the list.
+    m_side->setVisible(open.size() > 1);
 
     const bool isOpen = shown->status() != CameraSession::Closed;
     setWindowTitle(isOpen ? tr("Trigger IO viewer - %1").arg(shown->camera()->id()) : tr("Trigger IO viewer"));

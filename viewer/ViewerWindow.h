@@ -19,7 +19,8 @@ class TabExtensionInterface;
 
 // The viewer's window: one or several cameras, each a CameraSession (its live
 // image, its tab pages, its status and its reconnect), and beside them the
-// camera list (name, serial number, status) that switches between them.
+// camera list (name, serial number, status) that switches between them, shown
+// while more than one camera is open.
 // Opened on a camera that is not open, it shows the camera chooser. "Camera >
 // Open..." brings the chooser back, and the first camera opened there takes
 // the place of the one shown (its pages built anew, nothing carried over);
@@ -114,6 +115,7 @@ private:
     QStackedWidget* m_views;
     QWidget* m_cameraView;
     QTreeWidget* m_list;
+    QWidget* m_side; // the list and its buttons
     QStackedWidget* m_pages; // one session each
     QStringList m_problems;
 };

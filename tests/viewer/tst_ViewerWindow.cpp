@@ -176,8 +176,8 @@ private slots:
         sinceTick.start();
         tick.start(10);
         lineServer.pause();
-        const int frames = second->frameCount();
         QTRY_VERIFY_WITH_TIMEOUT(first->isCameraLost(), 20000);
+        const int frames = second->frameCount();
         QTest::qWait(500);
         tick.stop();
         QVERIFY2(longest <= 200, qPrintable(QString::number(longest)));

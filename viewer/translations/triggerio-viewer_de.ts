@@ -65,37 +65,10 @@
     </message>
 </context>
 <context>
-    <name>PluginHost</name>
-    <message>
-        <source>Plug-in folder %1 does not exist</source>
-        <translation>Plug-in-Ordner %1 existiert nicht</translation>
-    </message>
-    <message>
-        <source>%1 is not a tab plug-in</source>
-        <translation>%1 ist kein Tab-Plug-in</translation>
-    </message>
-    <message>
-        <source>%1 has interface %2, not TabExtensionInterface</source>
-        <translation>%1 hat die Schnittstelle %2, nicht TabExtensionInterface</translation>
-    </message>
-    <message>
-        <source>%1 could not be loaded: %2</source>
-        <translation>%1 konnte nicht geladen werden: %2</translation>
-    </message>
-    <message>
-        <source>No tab plug-in in %1</source>
-        <translation>Kein Tab-Plug-in in %1</translation>
-    </message>
-</context>
-<context>
-    <name>ViewerWindow</name>
+    <name>CameraSession</name>
     <message>
         <source>Acquire</source>
         <translation>Aufnehmen</translation>
-    </message>
-    <message>
-        <source>Trigger IO viewer - %1</source>
-        <translation>Trigger-IO-Viewer - %1</translation>
     </message>
     <message>
         <source>No image</source>
@@ -106,12 +79,12 @@
         <translation>Bilder: %1</translation>
     </message>
     <message>
-        <source>Camera %1 open</source>
-        <translation>Kamera %1 geöffnet</translation>
-    </message>
-    <message>
         <source>%1 offers no tab for this camera (result %2)</source>
         <translation>%1 bietet keinen Tab für diese Kamera (Ergebnis %2)</translation>
+    </message>
+    <message>
+        <source>Camera %1 open</source>
+        <translation>Kamera %1 geöffnet</translation>
     </message>
     <message>
         <source>Software trigger sent</source>
@@ -154,8 +127,74 @@
         <translation>Kamera %1 antwortet wieder: die Seiten werden neu aufgebaut, sobald der Dialog oder das Menü geschlossen ist</translation>
     </message>
     <message>
-        <source>Trigger IO viewer</source>
-        <translation>Trigger-IO-Viewer</translation>
+        <source>Starting the acquisition</source>
+        <translation>Aufnahme wird gestartet</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Offen</translation>
+    </message>
+    <message>
+        <source>Lost</source>
+        <translation>Verloren</translation>
+    </message>
+    <message>
+        <source>Back</source>
+        <translation>Wieder da</translation>
+    </message>
+    <message>
+        <source>Closed</source>
+        <translation>Geschlossen</translation>
+    </message>
+    <message>
+        <source>Demo: %1</source>
+        <translation>Demo: %1</translation>
+    </message>
+</context>
+<context>
+    <name>PluginHost</name>
+    <message>
+        <source>Plug-in folder %1 does not exist</source>
+        <translation>Plug-in-Ordner %1 existiert nicht</translation>
+    </message>
+    <message>
+        <source>%1 is not a tab plug-in</source>
+        <translation>%1 ist kein Tab-Plug-in</translation>
+    </message>
+    <message>
+        <source>%1 has interface %2, not TabExtensionInterface</source>
+        <translation>%1 hat die Schnittstelle %2, nicht TabExtensionInterface</translation>
+    </message>
+    <message>
+        <source>%1 could not be loaded: %2</source>
+        <translation>%1 konnte nicht geladen werden: %2</translation>
+    </message>
+    <message>
+        <source>No tab plug-in in %1</source>
+        <translation>Kein Tab-Plug-in in %1</translation>
+    </message>
+</context>
+<context>
+    <name>ViewerWindow</name>
+    <message>
+        <source>Camera</source>
+        <translation>Kamera</translation>
+    </message>
+    <message>
+        <source>Serial number</source>
+        <translation>Seriennummer</translation>
+    </message>
+    <message>
+        <source>Status</source>
+        <translation>Status</translation>
+    </message>
+    <message>
+        <source>Close camera</source>
+        <translation>Kamera schließen</translation>
+    </message>
+    <message>
+        <source>Add camera...</source>
+        <translation>Kamera hinzufügen...</translation>
     </message>
     <message>
         <source>&amp;Camera</source>
@@ -166,16 +205,28 @@
         <translation>Ö&amp;ffnen...</translation>
     </message>
     <message>
+        <source>&amp;Add...</source>
+        <translation>&amp;Hinzufügen...</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>S&amp;chließen</translation>
+    </message>
+    <message>
         <source>&amp;Quit</source>
         <translation>&amp;Beenden</translation>
     </message>
     <message>
-        <source>No tab for this camera</source>
-        <translation>Kein Tab für diese Kamera</translation>
+        <source>Trigger IO viewer - %1</source>
+        <translation>Trigger-IO-Viewer - %1</translation>
     </message>
     <message>
-        <source>Starting the acquisition</source>
-        <translation>Aufnahme wird gestartet</translation>
+        <source>Trigger IO viewer</source>
+        <translation>Trigger-IO-Viewer</translation>
+    </message>
+    <message>
+        <source>No tab for this camera</source>
+        <translation>Kein Tab für diese Kamera</translation>
     </message>
 </context>
 <context>
@@ -185,8 +236,8 @@
         <translation>Zeigt den Trigger-IO-Tab für eine Kamera.</translation>
     </message>
     <message>
-        <source>Aravis device id, or fake:FILE.xml for a GenICam model.</source>
-        <translation>Aravis-Gerätekennung, oder fake:DATEI.xml für ein GenICam-Modell.</translation>
+        <source>Aravis device id, or fake:FILE.xml for a GenICam model (may be repeated).</source>
+        <translation>Aravis-Gerätekennung, oder fake:DATEI.xml für ein GenICam-Modell (auch mehrmals).</translation>
     </message>
     <message>
         <source>List the cameras that can be opened.</source>
