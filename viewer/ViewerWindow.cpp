@@ -48,6 +48,8 @@ ViewerWindow::ViewerWindow(GenICamCamera* camera, QWidget* parent)
     m_list->setHeaderLabels({tr("Camera"), tr("Serial number"), tr("Status")});
     m_list->setRootIsDecorated(false);
     m_list->setMaximumWidth(ListWidthMax);
+    m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     m_list->header()->setStretchLastSection(true);
     QPushButton* close = new QPushButton(tr("Close camera"));
     close->setObjectName("closeCameraButton");
@@ -273,8 +275,6 @@ void ViewerWindow::refreshList()
         if (session == shown)
             m_list->setCurrentItem(item);
     }
-    m_list->resizeColumnToContents(NameColumn);
-    m_list->resizeColumnToContents(SerialColumn);
     m_list->blockSignals(false);
     // One camera alone is shown as the window always showed it: without the list.
     m_side->setVisible(open.size() > 1);
