@@ -94,7 +94,8 @@ CameraSession::CameraSession(GenICamCamera* camera, QWidget* parent)
     m_finder->setInterval(SearchPauseMs);
     connect(m_finder, &CameraFinder::found, this, &CameraSession::onCameraFound);
     // The backend tells of a loss on its own threads: handed to the GUI thread.
-    m_camera->setLostHandler([this] { QMetaObject::invokeMethod(this, &CameraSession::checkCamera, Qt::QueuedConnection); });
+    m_camera->setLostHandler([this]
+                             { QMetaObject::invokeMethod(this, &CameraSession::checkCamera, Qt::QueuedConnection); });
     m_retry->setInterval(RetryPeriodMs);
     connect(m_retry, &QTimer::timeout, this, &CameraSession::rebuildWhenSafe);
 }
@@ -140,9 +141,8 @@ int CameraSession::buildPages(const QHash<TabExtensionInterface*, QVariant>& car
         }
         if (result != 0)
         {
-            emit problem(tr("%1 offers no tab for this camera (result %2)")
-                             .arg(plugin->metaObject()->className())
-                             .arg(result));
+            emit problem(
+                tr("%1 offers no tab for this camera (result %2)").arg(plugin->metaObject()->className()).arg(result));
             delete page;
             continue;
         }

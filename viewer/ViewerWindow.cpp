@@ -271,7 +271,8 @@ void ViewerWindow::refreshList()
         item->setToolTip(NameColumn, session->camera()->id());
         item->setText(SerialColumn, session->camera()->serialNumber());
         item->setText(StatusColumn, session->statusText());
-        item->setForeground(StatusColumn, session->isCameraLost() ? QBrush(QColor(200, 30, 30)) : m_list->palette().text());
+        item->setForeground(StatusColumn,
+                            session->isCameraLost() ? QBrush(QColor(200, 30, 30)) : m_list->palette().text());
         if (session == shown)
             m_list->setCurrentItem(item);
     }
