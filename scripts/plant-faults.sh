@@ -395,6 +395,12 @@ ts-skip-dependents~setup~viewer/TriggerSetup.cpp~        if (!step.selector.isEm
 ts-differs~setup~viewer/TriggerSetup.cpp~        if (wanted == now)~        if (false)~every value is written, also those the camera has already
 ts-exclusive-end~setup~viewer/TriggerSetup.cpp~    if (access)\n        access->EndExclusive();~    if (!access)\n        access->EndExclusive();~a setup saved or loaded off the GUI thread keeps the camera from every other thread
 ts-parse-selector~setup~viewer/TriggerSetup.cpp~        if (!selector.isEmpty() && !selectorsSeen.contains(selector))~        if (false)~a file whose selected value has no selector line before it is applied under whatever the camera selects
+rig-add-replaces~rig~viewer/ViewerWindow.cpp~    m_pages->setCurrentWidget(session);\n    session->onCameraChosen(camera);~    m_pages->setCurrentWidget(session);\n    shown->onCameraChosen(camera);~a camera opened beside the others takes the place of the one shown
+rig-choose-one~rig~viewer/CameraChooser.cpp~    for (const QString& id : selectedIds())\n        open(id);~    open(selectedId());~the chooser opens only the current row of the cameras selected
+rig-one-features~rig~viewer/CameraSession.cpp~        const TabExtensionResult result = plugin->get(m_features, *page, nullptr);~        static const FeatureList firstFeatures = m_features;\n        const TabExtensionResult result = plugin->get(firstFeatures, *page, nullptr);~every camera's pages are built on the features of the first camera
+rig-lost-stops-all~rig~viewer/CameraSession.cpp~    m_stream->stop(); // sends nothing to a lost camera~    for (CameraStream* stream : window()->findChildren<CameraStream*>())\n        stream->stop(); // sends nothing to a lost camera~a camera lost stops every camera's acquisition
+rig-status-shown~rig~viewer/ViewerWindow.cpp~item->setText(StatusColumn, session->statusText());~item->setText(StatusColumn, shown->statusText());~every row of the camera list shows the status of the camera shown
+rig-close-all~rig~viewer/ViewerWindow.cpp~    session->closeCamera();\n    if (m_sessions.size() == 1)~    for (CameraSession* each : qAsConst(m_sessions))\n        each->closeCamera();\n    if (m_sessions.size() == 1)~closing one camera closes every camera
 LIST
 )
 
@@ -486,7 +492,7 @@ done <<<"$faults"
 cmake --build "$build" -j"$jobs" >/dev/null 2>&1
 echo
 printf '%-12s %6s %7s %7s\n' kind faults caught missed
-for kind in dispatch preset-step literal size alt-order restore row-limit other poller device finder viewer graph monitor package chooser gui-thread cache setup equivalent; do
+for kind in dispatch preset-step literal size alt-order restore row-limit other poller device finder viewer graph monitor package chooser gui-thread cache setup rig equivalent; do
     [ -n "${k_all[$kind]:-}" ] || continue
     printf '%-12s %6d %7d %7d\n' "$kind" "${k_all[$kind]}" "${k_caught[$kind]:-0}" "${k_missed[$kind]:-0}"
 done

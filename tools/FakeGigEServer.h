@@ -16,7 +16,9 @@
 #include <signal.h>
 #include <sys/prctl.h>
 
-// A GenICam model served by Aravis's fake GigE Vision camera on 127.0.0.1.
+// A GenICam model served by Aravis's fake GigE Vision camera on a loopback
+// address (127.0.0.1 unless given; others need a network namespace in which
+// the interface has them, see tests/viewer/in-own-network.sh).
 // The server is stopped when this object goes, whatever the test did, and
 // with the process that started it, should that one end without cleaning up
 // (a test that aborts would otherwise leave the port taken).
@@ -26,6 +28,11 @@ public:
     static QString program()
     {
         return QStandardPaths::findExecutable("arv-fake-gv-camera-0.8");
+    }
+
+    explicit FakeGigEServer(const QString& address = QStringLiteral("127.0.0.1"))
+        : m_address(address)
+    {
     }
 
     ~FakeGigEServer()
@@ -43,7 +50,7 @@ public:
         m_serial =
             "TIO" + QByteArray::number(QCoreApplication::applicationPid() % 100000) + "-" + QByteArray::number(++run);
         m_process.setProgram(program());
-        m_process.setArguments({"-i", "127.0.0.1", "-s", QString::fromLatin1(m_serial), "-g", model});
+        m_process.setArguments({"-i", m_address, "-s", QString::fromLatin1(m_serial), "-g", model});
         m_process.setStandardOutputFile(QProcess::nullDevice());
         m_process.setStandardErrorFile(QProcess::nullDevice());
         if (!startAgain())
@@ -56,7 +63,7 @@ public:
         timer.start();
         while (timer.elapsed() < 20000 && m_process.state() == QProcess::Running)
         {
-            if (camera.open("127.0.0.1") == OrvErrorSuccess)
+            if (camera.open(m_address) == OrvErrorSuccess)
             {
                 if (camera.serialNumber() == QString::fromLatin1(m_serial))
                     return true;
@@ -110,6 +117,7 @@ private:
         }
     };
 
+    QString m_address;
     ServerProcess m_process;
     QByteArray m_serial;
 };

@@ -44,6 +44,8 @@ CameraChooser::CameraChooser(QWidget* parent)
     ui->setupUi(this);
     m_shared->owner = this;
     ui->tw_Cameras->header()->setStretchLastSection(true);
+    // Several cameras chosen open together, each beside the others.
+    ui->tw_Cameras->setSelectionMode(QAbstractItemView::ExtendedSelection);
     ui->pb_Back->hide();
     m_refresh.setInterval(RefreshPeriodMs);
     connect(&m_refresh, &QTimer::timeout, this, &CameraChooser::refresh);
@@ -86,6 +88,14 @@ QString CameraChooser::selectedId() const
 {
     const QTreeWidgetItem* item = ui->tw_Cameras->currentItem();
     return item && item->isSelected() ? item->data(CameraColumn, Qt::UserRole).toString() : QString();
+}
+
+QStringList CameraChooser::selectedIds() const
+{
+    QStringList ids;
+    for (const QTreeWidgetItem* item : ui->tw_Cameras->selectedItems())
+        ids << item->data(CameraColumn, Qt::UserRole).toString();
+    return ids;
 }
 
 bool CameraChooser::select(const QString& id)
@@ -176,6 +186,7 @@ void CameraChooser::fill()
 {
     QTreeWidget* list = ui->tw_Cameras;
     const QString selected = list->currentItem() ? selectedId() : lastOpened();
+    const QStringList chosen = selectedIds();
     // Rows are updated in place: a refresh does not take a row from under a click.
     while (list->topLevelItemCount() > m_entries.size())
         delete list->topLevelItem(list->topLevelItemCount() - 1);
@@ -208,11 +219,18 @@ void CameraChooser::fill()
     }
     if (!select(selected) && list->topLevelItemCount() > 0)
         list->setCurrentItem(list->topLevelItem(0));
+    // Several rows chosen stay chosen, wherever the refresh moved them.
+    for (int row = 0; chosen.size() > 1 && row < list->topLevelItemCount(); ++row)
+    {
+        if (chosen.contains(list->topLevelItem(row)->data(CameraColumn, Qt::UserRole).toString()))
+            list->topLevelItem(row)->setSelected(true);
+    }
 }
 
 void CameraChooser::openSelected()
 {
-    open(selectedId());
+    for (const QString& id : selectedIds())
+        open(id);
 }
 
 void CameraChooser::open(const QString& id)

@@ -25,7 +25,7 @@ class CameraChooser;
 // first. The list is refreshed when it is shown, every few seconds while it
 // is, and on "Refresh".
 //
-// A double click or "Open" opens the camera in the background; the camera,
+// A double click or "Open" opens the camera (every one selected) in the background; the camera,
 // open, comes out of opened(), and a camera that cannot be opened says why in
 // its row. Each opening is a job of its own: several cameras may be opening
 // at once, and each one comes out of opened() by itself.
@@ -46,6 +46,8 @@ public:
     // A reason shown in a camera's row, such as why it cannot be used.
     void setProblem(const QString& id, const QString& reason);
     QString selectedId() const;
+    // Every camera selected, in the list's order.
+    QStringList selectedIds() const;
     // Selects the camera's row; false when it is not in the list.
     bool select(const QString& id);
     QTreeWidget* list() const;

@@ -13,11 +13,15 @@
 #include <QPointer>
 #include <QSaveFile>
 
-TriggerSetupActions::TriggerSetupActions(QMenu* menu, std::function<FeatureList()> current, QWidget* window)
-    : QObject(menu), m_current(std::move(current)), m_window(window)
+TriggerSetupActions::TriggerSetupActions(QMenu* menu, std::function<FeatureList()> current, QWidget* window,
+                                         std::function<Cameras()> every)
+    : QObject(menu), m_current(std::move(current)), m_every(std::move(every)), m_window(window)
 {
     m_actions << menu->addAction(tr("Save trigger setup..."), this, &TriggerSetupActions::onSave)
               << menu->addAction(tr("Load trigger setup..."), this, &TriggerSetupActions::onLoad);
+    if (m_every)
+        m_actions << menu->addAction(tr("Load trigger setup onto every camera..."), this,
+                                     &TriggerSetupActions::onLoadEvery);
 }
 
 bool TriggerSetupActions::save(const FeatureList& features, const QString& path, QString* error)
@@ -100,4 +104,27 @@ void TriggerSetupActions::onLoad()
     const FeatureList features = m_current();
     if (!path.isEmpty())
         run(tr("Load trigger setup"), [features, path](QString* result) { return load(features, path, result); });
+}
+
+void TriggerSetupActions::onLoadEvery()
+{
+    const QString path = QFileDialog::getOpenFileName(m_window, tr("Load trigger setup"), QString(),
+                                                      tr("Trigger setups (*.txt);;All files (*)"));
+    const Cameras cameras = m_every();
+    if (path.isEmpty())
+        return;
+    // One report per camera; a camera that cannot take the file does not keep
+    // the others from theirs.
+    run(tr("Load trigger setup"),
+        [cameras, path](QString* result)
+        {
+            bool any = false;
+            for (const auto& camera : cameras)
+            {
+                QString report;
+                any = load(camera.second, path, &report) || any;
+                *result += camera.first + ":\n" + report + "\n";
+            }
+            return any;
+        });
 }

@@ -4,6 +4,8 @@
 #include "FeatureList.h"
 
 #include <QObject>
+#include <QPair>
+#include <QVector>
 
 #include <functional>
 
@@ -22,7 +24,11 @@ class TriggerSetupActions : public QObject
 public:
     // current gives the features of the camera the actions work on (null or
     // empty when no camera is open); dialogs are parented to window.
-    TriggerSetupActions(QMenu* menu, std::function<FeatureList()> current, QWidget* window);
+    // every, when given, names every open camera with its features: "Load
+    // trigger setup onto every camera..." applies a file to each of them.
+    using Cameras = QVector<QPair<QString, FeatureList>>;
+    TriggerSetupActions(QMenu* menu, std::function<FeatureList()> current, QWidget* window,
+                        std::function<Cameras()> every = nullptr);
 
     // Saves a camera's setup to path; false with a message in error.
     static bool save(const FeatureList& features, const QString& path, QString* error);
@@ -33,6 +39,7 @@ public:
 private slots:
     void onSave();
     void onLoad();
+    void onLoadEvery();
 
 private:
     // Runs job in the background with both actions disabled; shows its message.
@@ -40,6 +47,7 @@ private:
 
     QList<QAction*> m_actions;
     std::function<FeatureList()> m_current;
+    std::function<Cameras()> m_every;
     QWidget* m_window;
 };
 

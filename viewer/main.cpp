@@ -1,12 +1,15 @@
-// triggerio-viewer: hosts the tab plug-ins for one camera.
+// triggerio-viewer: hosts the tab plug-ins for one camera or several.
 //
-//   triggerio-viewer [--camera ID] [--list] [--acquire | --acquire-after MS] [--trigger-software]
+//   triggerio-viewer [--camera ID]... [--list] [--acquire | --acquire-after MS] [--trigger-software]
 //                    [--page TITLE] [--screenshot FILE [--after MS]]
 //
 // ID is an Aravis device id or "fake:FILE.xml" (a GenICam model on the
 // in-process fake device); without one the window opens on the camera chooser.
+// --camera given several times opens every camera, each with its own pages;
+// --acquire and --trigger-software then apply to each of them.
 
 #include "CameraChooser.h"
+#include "CameraSession.h"
 #include "GenICamCamera.h"
 #include "ViewerFolders.h"
 #include "ViewerWindow.h"
@@ -91,7 +94,9 @@ int main(int argc, char** argv)
     parser.addHelpOption();
     parser.addVersionOption();
     QCommandLineOption cameraOption(
-        "camera", QCoreApplication::translate("main", "Aravis device id, or fake:FILE.xml for a GenICam model."), "ID");
+        "camera",
+        QCoreApplication::translate("main", "Aravis device id, or fake:FILE.xml for a GenICam model (may be repeated)."),
+        "ID");
     QCommandLineOption listOption("list", QCoreApplication::translate("main", "List the cameras that can be opened."));
     QCommandLineOption acquireOption(
         "acquire", QCoreApplication::translate("main", "Start the acquisition when the window opens."));
@@ -134,9 +139,14 @@ int main(int argc, char** argv)
     }
 
     // Relative paths are the user's; resolve them before moving to the binary's folder.
-    QString id = parser.value(cameraOption);
-    if (id.startsWith(GenICamCamera::FakePrefix))
-        id = GenICamCamera::FakePrefix + QFileInfo(id.mid(int(qstrlen(GenICamCamera::FakePrefix)))).absoluteFilePath();
+    QStringList ids = parser.values(cameraOption);
+    for (QString& given : ids)
+    {
+        if (given.startsWith(GenICamCamera::FakePrefix))
+            given = GenICamCamera::FakePrefix +
+                    QFileInfo(given.mid(int(qstrlen(GenICamCamera::FakePrefix)))).absoluteFilePath();
+    }
+    const QString id = ids.value(0);
     const QString screenshot =
         parser.isSet(screenshotOption) ? QFileInfo(parser.value(screenshotOption)).absoluteFilePath() : QString();
     int after = 0;
@@ -154,6 +164,18 @@ int main(int argc, char** argv)
             say(stderr, "triggerio-viewer: " +
                             QCoreApplication::translate("main", "cannot open camera %1: %2").arg(id, camera.errorString()));
             return 2;
+        }
+        // The other cameras, each opened before the window shows any.
+        QList<std::shared_ptr<GenICamCamera>> others;
+        for (const QString& other : ids.mid(1))
+        {
+            others << std::make_shared<GenICamCamera>();
+            if (others.last()->open(other) != OrvErrorSuccess)
+            {
+                say(stderr, "triggerio-viewer: " + QCoreApplication::translate("main", "cannot open camera %1: %2")
+                                                       .arg(other, others.last()->errorString()));
+                return 2;
+            }
         }
 
         // The tab finds its translations under "plugins/", relative to the working folder.
@@ -188,27 +210,42 @@ int main(int argc, char** argv)
             }
             window.tabs()->setCurrentIndex(page);
         }
+        // The first camera stays shown; the others open on the same page.
+        CameraSession* first = window.currentSession();
+        for (const std::shared_ptr<GenICamCamera>& other : qAsConst(others))
+            window.addCamera(other);
+        others.clear();
+        window.showSession(first);
         window.resize(1100, 900);
         window.show();
 
         const bool acquire = parser.isSet(acquireOption) || parser.isSet(acquireAfterOption);
         if (acquire)
-            QTimer::singleShot(acquireAt, window.acquireButton(), &QPushButton::click);
+        {
+            for (CameraSession* session : window.sessions())
+                QTimer::singleShot(acquireAt, session->acquireButton(), &QPushButton::click);
+        }
         // The trigger once the acquisition runs (it starts in the background).
         if (parser.isSet(triggerOption) && acquire)
         {
-            auto once = std::make_shared<QMetaObject::Connection>();
-            *once = QObject::connect(&window, &ViewerWindow::acquisitionChanged, &window,
-                                     [&window, once](bool acquiring)
-                                     {
-                                         if (!acquiring)
-                                             return;
-                                         QObject::disconnect(*once);
-                                         QTimer::singleShot(TriggerDelayMs, &window, &ViewerWindow::triggerSoftware);
-                                     });
+            for (CameraSession* session : window.sessions())
+            {
+                auto once = std::make_shared<QMetaObject::Connection>();
+                *once = QObject::connect(session, &CameraSession::acquisitionChanged, session,
+                                         [session, once](bool acquiring)
+                                         {
+                                             if (!acquiring)
+                                                 return;
+                                             QObject::disconnect(*once);
+                                             QTimer::singleShot(TriggerDelayMs, session, &CameraSession::triggerSoftware);
+                                         });
+            }
         }
         else if (parser.isSet(triggerOption))
-            QTimer::singleShot(0, &window, &ViewerWindow::triggerSoftware);
+        {
+            for (CameraSession* session : window.sessions())
+                QTimer::singleShot(0, session, &CameraSession::triggerSoftware);
+        }
 
         QTimer shot;
         int waited = 0;

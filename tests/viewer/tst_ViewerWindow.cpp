@@ -3,6 +3,7 @@
 
 #include "CameraChooser.h"
 #include "CameraFinder.h"
+#include "CameraSession.h"
 #include "CameraStream.h"
 #include "ViewerWindow.h"
 
@@ -23,7 +24,8 @@ std::shared_ptr<GenICamCamera> camera(const QString& model = TRIGGERIO_CAMERAS_D
 } // namespace
 
 // The viewer's window in process, on the demo models run by Aravis's fake device; finding
-// a camera again, and keeping it, against a fake GigE Vision camera on 127.0.0.1.
+// a camera again, and keeping it, against a fake GigE Vision camera on 127.0.0.1; two
+// cameras of a rig on 127.0.0.2 and 127.0.0.3.
 class tst_ViewerWindow : public QObject
 {
     Q_OBJECT
@@ -106,6 +108,90 @@ private slots:
         QVERIFY(reconnect() && !found.expired());
         window.reset();
         QVERIFY(found.expired());
+    }
+
+    // Two cameras of a rig chosen together open in one window, each with its pages: an edit on one camera's
+    // Trigger IO tab reaches that camera only; one camera silent is shown lost, and back once it answers, while
+    // the other streams on with its page enabled and no GUI event waits over 200 ms; closing one releases it
+    // and nothing else.
+    void rigOfTwoCameras()
+    {
+        FakeGigEServer lineServer("127.0.0.2"), syncServer("127.0.0.3");
+        GenICamCamera line, sync; // the serial numbers checked, closed again for the chooser
+        QString error;
+        QVERIFY2(lineServer.startAndOpen(TRIGGERIO_CAMERAS_DIR "/line-camera.xml", line, &error) &&
+                     syncServer.startAndOpen(TRIGGERIO_CAMERAS_DIR "/syncout-camera.xml", sync, &error),
+                 qPrintable(error));
+        sync.withAravisDevice([](ArvDevice* d) { arv_device_set_integer_feature_value(d, "Height", 64, nullptr); });
+        line.close();
+        sync.close();
+        ViewerWindow window(&line);
+        QVERIFY(window.addTabs(TRIGGERIO_PLUGIN_DIR) == 0 && window.hasPlugins());
+        window.show();
+        const QString a = lineServer.serial(), b = syncServer.serial();
+        auto choice = [&](const QString& serial)
+        { return window.chooser()->list()->findItems(serial, Qt::MatchExactly, 1).value(0); };
+        QTRY_VERIFY_WITH_TIMEOUT(choice(a) && choice(b), 10000);
+        window.chooser()->list()->clearSelection();
+        choice(a)->setSelected(true);
+        choice(b)->setSelected(true);
+        window.chooser()->openSelected();
+        auto rows = [&] // serial number and status, by serial number
+        {
+            QStringList texts;
+            for (int i = 0; i < window.cameraList()->topLevelItemCount(); ++i)
+                texts << window.cameraList()->topLevelItem(i)->text(1) + " " + window.cameraList()->topLevelItem(i)->text(2);
+            texts.sort();
+            return texts.join(", ");
+        };
+        QTRY_COMPARE_WITH_TIMEOUT(rows(), a + " Open, " + b + " Open", 20000);
+        QPointer<CameraSession> first, second;
+        for (CameraSession* session : window.sessions())
+            (session->camera()->serialNumber() == a ? first : second) = session;
+        QVERIFY(first && second && first->tabs()->count() == 2 && second->tabs()->count() == 2);
+
+        window.showSession(second);
+        QVERIFY(window.tabs() == second->tabs() && window.cameraList()->currentItem()->text(1) == b);
+        auto mode = [](CameraSession* session)
+        {
+            QString text;
+            session->camera()->withAravisDevice([&](ArvDevice* d)
+                                                { text = arv_device_get_string_feature_value(d, "AcquisitionMode", nullptr); });
+            return text;
+        };
+        const QString untouched = mode(first);
+        for (QPushButton* button : second->tabs()->widget(0)->findChildren<QPushButton*>())
+            if (button->text() == "Bulk")
+                button->click();
+        QCOMPARE(mode(second) + " " + mode(first), "MultiFrame " + untouched);
+        QVERIFY(untouched != "MultiFrame");
+
+        second->acquireButton()->click();
+        QTRY_VERIFY_WITH_TIMEOUT(second->frameCount() > 0, 10000);
+        QTimer tick;
+        QElapsedTimer sinceTick;
+        qint64 longest = 0;
+        connect(&tick, &QTimer::timeout, [&] { longest = qMax(longest, sinceTick.restart()); });
+        sinceTick.start();
+        tick.start(10);
+        lineServer.pause();
+        QTRY_VERIFY_WITH_TIMEOUT(first->isCameraLost(), 20000);
+        const int frames = second->frameCount();
+        QTest::qWait(500);
+        tick.stop();
+        QVERIFY2(longest <= 200, qPrintable(QString::number(longest)));
+        QVERIFY(second->frameCount() > frames && second->tabs()->isEnabled() && !first->tabs()->isEnabled());
+        QCOMPARE(rows(), a + " Lost, " + b + " Open");
+        lineServer.resume();
+        QTRY_COMPARE_WITH_TIMEOUT(rows(), a + " Back, " + b + " Open", 30000);
+
+        window.closeCamera(first);
+        QTRY_VERIFY(!first && window.sessions() == QList<CameraSession*>{second});
+        GenICamCamera again;
+        QTRY_VERIFY_WITH_TIMEOUT(again.open("127.0.0.2") == OrvErrorSuccess, 20000);
+        const int later = second->frameCount();
+        QTRY_VERIFY_WITH_TIMEOUT(second->frameCount() > later && !second->isCameraLost(), 10000);
+        QCOMPARE(rows(), b + " Open");
     }
 
     // A plug-in that does not serve the camera (result 4) is skipped without a word.

@@ -65,6 +65,93 @@
     </message>
 </context>
 <context>
+    <name>CameraSession</name>
+    <message>
+        <source>Acquire</source>
+        <translation>Aufnehmen</translation>
+    </message>
+    <message>
+        <source>No image</source>
+        <translation>Kein Bild</translation>
+    </message>
+    <message>
+        <source>Frames: %1</source>
+        <translation>Bilder: %1</translation>
+    </message>
+    <message>
+        <source>%1 offers no tab for this camera (result %2)</source>
+        <translation>%1 bietet keinen Tab für diese Kamera (Ergebnis %2)</translation>
+    </message>
+    <message>
+        <source>Camera %1 open</source>
+        <translation>Kamera %1 geöffnet</translation>
+    </message>
+    <message>
+        <source>Software trigger sent</source>
+        <translation>Software-Trigger gesendet</translation>
+    </message>
+    <message>
+        <source>Software trigger failed (error %1)</source>
+        <translation>Software-Trigger fehlgeschlagen (Fehler %1)</translation>
+    </message>
+    <message>
+        <source>The camera has no software trigger</source>
+        <translation>Die Kamera hat keinen Software-Trigger</translation>
+    </message>
+    <message>
+        <source>Acquisition not started: %1</source>
+        <translation>Aufnahme nicht gestartet: %1</translation>
+    </message>
+    <message>
+        <source>Acquiring</source>
+        <translation>Aufnahme läuft</translation>
+    </message>
+    <message>
+        <source>Stopped after %1 frames</source>
+        <translation>Angehalten nach %1 Bildern</translation>
+    </message>
+    <message>
+        <source>No camera</source>
+        <translation>Keine Kamera</translation>
+    </message>
+    <message>
+        <source>Camera %1 lost</source>
+        <translation>Kamera %1 verloren</translation>
+    </message>
+    <message>
+        <source>Camera %1 lost (%2)</source>
+        <translation>Kamera %1 verloren (%2)</translation>
+    </message>
+    <message>
+        <source>Camera %1 answers again: the pages are built anew once the dialog or menu is closed</source>
+        <translation>Kamera %1 antwortet wieder: die Seiten werden neu aufgebaut, sobald der Dialog oder das Menü geschlossen ist</translation>
+    </message>
+    <message>
+        <source>Starting the acquisition</source>
+        <translation>Aufnahme wird gestartet</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Offen</translation>
+    </message>
+    <message>
+        <source>Lost</source>
+        <translation>Verloren</translation>
+    </message>
+    <message>
+        <source>Back</source>
+        <translation>Wieder da</translation>
+    </message>
+    <message>
+        <source>Closed</source>
+        <translation>Geschlossen</translation>
+    </message>
+    <message>
+        <source>Demo: %1</source>
+        <translation>Demo: %1</translation>
+    </message>
+</context>
+<context>
     <name>PluginHost</name>
     <message>
         <source>Plug-in folder %1 does not exist</source>
@@ -133,76 +220,32 @@
         <source>Load trigger setup</source>
         <translation>Trigger-Einstellungen laden</translation>
     </message>
+    <message>
+        <source>Load trigger setup onto every camera...</source>
+        <translation>Trigger-Einstellungen in jede Kamera laden...</translation>
+    </message>
 </context>
 <context>
     <name>ViewerWindow</name>
     <message>
-        <source>Acquire</source>
-        <translation>Aufnehmen</translation>
+        <source>Camera</source>
+        <translation>Kamera</translation>
     </message>
     <message>
-        <source>Trigger IO viewer - %1</source>
-        <translation>Trigger-IO-Viewer - %1</translation>
+        <source>Serial number</source>
+        <translation>Seriennummer</translation>
     </message>
     <message>
-        <source>No image</source>
-        <translation>Kein Bild</translation>
+        <source>Status</source>
+        <translation>Status</translation>
     </message>
     <message>
-        <source>Frames: %1</source>
-        <translation>Bilder: %1</translation>
+        <source>Close camera</source>
+        <translation>Kamera schließen</translation>
     </message>
     <message>
-        <source>Camera %1 open</source>
-        <translation>Kamera %1 geöffnet</translation>
-    </message>
-    <message>
-        <source>%1 offers no tab for this camera (result %2)</source>
-        <translation>%1 bietet keinen Tab für diese Kamera (Ergebnis %2)</translation>
-    </message>
-    <message>
-        <source>Software trigger sent</source>
-        <translation>Software-Trigger gesendet</translation>
-    </message>
-    <message>
-        <source>Software trigger failed (error %1)</source>
-        <translation>Software-Trigger fehlgeschlagen (Fehler %1)</translation>
-    </message>
-    <message>
-        <source>The camera has no software trigger</source>
-        <translation>Die Kamera hat keinen Software-Trigger</translation>
-    </message>
-    <message>
-        <source>Acquisition not started: %1</source>
-        <translation>Aufnahme nicht gestartet: %1</translation>
-    </message>
-    <message>
-        <source>Acquiring</source>
-        <translation>Aufnahme läuft</translation>
-    </message>
-    <message>
-        <source>Stopped after %1 frames</source>
-        <translation>Angehalten nach %1 Bildern</translation>
-    </message>
-    <message>
-        <source>No camera</source>
-        <translation>Keine Kamera</translation>
-    </message>
-    <message>
-        <source>Camera %1 lost</source>
-        <translation>Kamera %1 verloren</translation>
-    </message>
-    <message>
-        <source>Camera %1 lost (%2)</source>
-        <translation>Kamera %1 verloren (%2)</translation>
-    </message>
-    <message>
-        <source>Camera %1 answers again: the pages are built anew once the dialog or menu is closed</source>
-        <translation>Kamera %1 antwortet wieder: die Seiten werden neu aufgebaut, sobald der Dialog oder das Menü geschlossen ist</translation>
-    </message>
-    <message>
-        <source>Trigger IO viewer</source>
-        <translation>Trigger-IO-Viewer</translation>
+        <source>Add camera...</source>
+        <translation>Kamera hinzufügen...</translation>
     </message>
     <message>
         <source>&amp;Camera</source>
@@ -213,16 +256,28 @@
         <translation>Ö&amp;ffnen...</translation>
     </message>
     <message>
+        <source>&amp;Add...</source>
+        <translation>&amp;Hinzufügen...</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>S&amp;chließen</translation>
+    </message>
+    <message>
         <source>&amp;Quit</source>
         <translation>&amp;Beenden</translation>
     </message>
     <message>
-        <source>No tab for this camera</source>
-        <translation>Kein Tab für diese Kamera</translation>
+        <source>Trigger IO viewer - %1</source>
+        <translation>Trigger-IO-Viewer - %1</translation>
     </message>
     <message>
-        <source>Starting the acquisition</source>
-        <translation>Aufnahme wird gestartet</translation>
+        <source>Trigger IO viewer</source>
+        <translation>Trigger-IO-Viewer</translation>
+    </message>
+    <message>
+        <source>No tab for this camera</source>
+        <translation>Kein Tab für diese Kamera</translation>
     </message>
 </context>
 <context>
@@ -232,8 +287,8 @@
         <translation>Zeigt den Trigger-IO-Tab für eine Kamera.</translation>
     </message>
     <message>
-        <source>Aravis device id, or fake:FILE.xml for a GenICam model.</source>
-        <translation>Aravis-Gerätekennung, oder fake:DATEI.xml für ein GenICam-Modell.</translation>
+        <source>Aravis device id, or fake:FILE.xml for a GenICam model (may be repeated).</source>
+        <translation>Aravis-Gerätekennung, oder fake:DATEI.xml für ein GenICam-Modell (auch mehrmals).</translation>
     </message>
     <message>
         <source>List the cameras that can be opened.</source>
