@@ -267,6 +267,11 @@ OrvErrorType GenICamCamera::open(const QString& id)
     close();
     m_error.clear();
 
+    // One opening at a time in the process: two cameras opened at once on two
+    // threads (a rig chosen together) left Aravis's description trees broken
+    // ("self is not a ArvDomNode"); opening takes a fraction of a second.
+    static std::mutex opening;
+    const std::lock_guard<std::mutex> oneAtATime(opening);
     ArvDevice* device = nullptr;
     const OrvErrorType code = id.startsWith(QLatin1String(FakePrefix))
                                   ? openFake(id.mid(int(qstrlen(FakePrefix))), device)

@@ -34,6 +34,11 @@ class tst_ViewerWindow : public QObject
     QTemporaryDir m_settings; // the user's settings (the camera opened last), the test's own
 
 private slots:
+    // A chooser's search still running would meet Qt torn down at exit.
+    void cleanupTestCase()
+    {
+        QVERIFY(GenICamCamera::waitForBackgroundWork(20000));
+    }
     void initTestCase()
     {
         qputenv("XDG_CONFIG_HOME", m_settings.path().toUtf8()); // before the process's first QSettings
