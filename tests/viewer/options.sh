@@ -17,6 +17,7 @@ check() { # expected code, what stderr must say (a line of its own for code 2), 
     if [ "$got" != "$code" ] || { [ "$code" = 2 ] && { [ "$(printf '%s\n' "$errors" | wc -l)" != 1 ] ||
         ! printf '%s\n' "$errors" | grep -q -- "$says"; }; }; then
         echo "FAIL: $* exits $got (expected $code), says: $errors"
+        tail -n 40 "$XDG_CONFIG_HOME/err" # a sanitizer's report, if that is what ended it
         failed=1
     else
         echo "PASS: $* exits $got"
