@@ -97,10 +97,15 @@ void TriggerSetupActions::onSave()
         run(tr("Save trigger setup"), [features, path](QString* error) { return save(features, path, error); });
 }
 
+QString TriggerSetupActions::askLoadPath()
+{
+    return QFileDialog::getOpenFileName(m_window, tr("Load trigger setup"), QString(),
+                                        tr("Trigger setups (*.txt);;All files (*)"));
+}
+
 void TriggerSetupActions::onLoad()
 {
-    const QString path = QFileDialog::getOpenFileName(m_window, tr("Load trigger setup"), QString(),
-                                                      tr("Trigger setups (*.txt);;All files (*)"));
+    const QString path = askLoadPath();
     const FeatureList features = m_current();
     if (!path.isEmpty())
         run(tr("Load trigger setup"), [features, path](QString* result) { return load(features, path, result); });
@@ -108,8 +113,7 @@ void TriggerSetupActions::onLoad()
 
 void TriggerSetupActions::onLoadEvery()
 {
-    const QString path = QFileDialog::getOpenFileName(m_window, tr("Load trigger setup"), QString(),
-                                                      tr("Trigger setups (*.txt);;All files (*)"));
+    const QString path = askLoadPath();
     const Cameras cameras = m_every();
     if (path.isEmpty())
         return;

@@ -42,6 +42,8 @@ private slots:
     void onLoadEvery();
 
 private:
+    // The file a load reads, asked of the user; empty when cancelled.
+    QString askLoadPath();
     // Runs job in the background with both actions disabled; shows its message.
     void run(const QString& title, const std::function<bool(QString*)>& job);
 
